@@ -1,0 +1,177 @@
+#include "common/numbers.h"
+
+#include <cctype>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <limits>
+
+namespace kyt {
+
+namespace {
+
+bool skippable(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+
+// The text without the blanks that the leading-number reading passes over.
+std::string squeeze(std::string_view s) {
+    std::string r;
+    r.reserve(s.size());
+    for (char c : s)
+        if (!skippable(c)) r += c;
+    return r;
+}
+
+double read_radix(std::string_view s, int radix) {
+    double v = 0;
+    for (char c : s) {
+        int d;
+        if (c >= '0' && c <= '9') d = c - '0';
+        else if (radix == 16 && std::isxdigit(static_cast<unsigned char>(c)))
+            d = std::toupper(static_cast<unsigned char>(c)) - 'A' + 10;
+        else break;
+        if (d >= radix) break;
+        v = v * radix + d;
+    }
+    return v;
+}
+
+}  // namespace
+
+double leading_number(std::string_view input) {
+    const std::string s = squeeze(input);
+    if (s.size() >= 2 && s[0] == '&') {
+        const char k = static_cast<char>(std::toupper(static_cast<unsigned char>(s[1])));
+        if (k == 'H') return read_radix(std::string_view(s).substr(2), 16);
+        if (k == 'O') return read_radix(std::string_view(s).substr(2), 8);
+    }
+    std::size_t i = 0;
+    std::string num;
+    if (i < s.size() && (s[i] == '+' || s[i] == '-')) num += s[i++];
+    bool digits = false;
+    while (i < s.size() && std::isdigit(static_cast<unsigned char>(s[i]))) { num += s[i++]; digits = true; }
+    if (i < s.size() && s[i] == '.') {
+        num += s[i++];
+        while (i < s.size() && std::isdigit(static_cast<unsigned char>(s[i]))) { num += s[i++]; digits = true; }
+    }
+    if (!digits) return 0.0;
+    if (i < s.size() && (s[i] == 'E' || s[i] == 'e' || s[i] == 'D' || s[i] == 'd')) {
+        std::size_t j = i + 1;
+        std::string exp = "e";
+        if (j < s.size() && (s[j] == '+' || s[j] == '-')) exp += s[j++];
+        bool exp_digits = false;
+        while (j < s.size() && std::isdigit(static_cast<unsigned char>(s[j]))) { exp += s[j++]; exp_digits = true; }
+        if (exp_digits) num += exp;
+    }
+    return std::strtod(num.c_str(), nullptr);
+}
+
+double round_half_even(double v) {
+    if (!std::isfinite(v)) return v;
+    const double f = std::floor(v);
+    const double diff = v - f;
+    if (diff > 0.5) return f + 1;
+    if (diff < 0.5) return f;
+    return std::fmod(f, 2.0) == 0.0 ? f : f + 1;
+}
+
+std::optional<std::int16_t> to_int16(double v) {
+    const double r = round_half_even(v);
+    if (!(r >= std::numeric_limits<std::int16_t>::min() && r <= std::numeric_limits<std::int16_t>::max()))
+        return std::nullopt;
+    return static_cast<std::int16_t>(r);
+}
+
+std::string format_picture(double v, std::string_view picture) {
+    if (!std::isfinite(v)) return general_number(v);
+    const bool percent = !picture.empty() && picture.back() == '%';
+    if (percent) {
+        picture.remove_suffix(1);
+        v *= 100.0;
+    }
+    const auto point = picture.find('.');
+    const int int_zeros = static_cast<int>(point == std::string_view::npos ? picture.size() : point);
+    const int decimals = point == std::string_view::npos ? 0 : static_cast<int>(picture.size() - point - 1);
+    const bool negative = std::signbit(v) && v != 0.0;
+
+    // The value at 15 significant digits: d0.d1...d14 times ten to the exp.
+    char buf[40];
+    std::snprintf(buf, sizeof buf, "%.14e", std::fabs(v));
+    std::string digits;
+    for (const char* p = buf; *p && *p != 'e'; ++p)
+        if (std::isdigit(static_cast<unsigned char>(*p))) digits += *p;
+    int exp = std::atoi(std::strchr(buf, 'e') + 1);
+
+    // Keep the digits up to the last decimal, rounding half away from zero.
+    const int keep = exp + 1 + decimals;
+    std::string kept;
+    if (keep >= 0) {
+        if (keep >= static_cast<int>(digits.size()))
+            kept = digits + std::string(keep - digits.size(), '0');
+        else {
+            kept = digits.substr(0, keep);
+            if (digits[keep] >= '5') {
+                int i = keep - 1;
+                for (; i >= 0; --i) {
+                    if (kept[i] == '9') kept[i] = '0';
+                    else { ++kept[i]; break; }
+                }
+                if (i < 0) kept.insert(kept.begin(), '1');
+            }
+        }
+    }
+    // kept now holds the whole number value * 10^decimals.
+    const std::size_t first = kept.find_first_not_of('0');
+    kept = first == std::string::npos ? std::string() : kept.substr(first);
+    if (static_cast<int>(kept.size()) < decimals + int_zeros)
+        kept.insert(0, decimals + int_zeros - kept.size(), '0');
+    std::string out = negative ? "-" : "";
+    out += kept.substr(0, kept.size() - decimals);
+    if (decimals > 0) out += "." + kept.substr(kept.size() - decimals);
+    if (percent) out += '%';
+    return out;
+}
+
+std::string general_number(double v) {
+    if (std::isnan(v)) return "NaN";
+    if (std::isinf(v)) return v < 0 ? "-Inf" : "Inf";
+    if (v == 0.0) return "0";
+    char buf[40];
+    std::snprintf(buf, sizeof buf, "%.15g", v);
+    std::string s = buf;
+    const auto e = s.find('e');
+    if (e == std::string::npos) return s;
+    // Exponent form: mantissa without trailing zeros, "E", sign, two digits.
+    std::string mant = s.substr(0, e);
+    int exp = std::atoi(s.c_str() + e + 1);
+    char ebuf[16];
+    std::snprintf(ebuf, sizeof ebuf, "E%c%02d", exp < 0 ? '-' : '+', std::abs(exp));
+    return mant + ebuf;
+}
+
+CivilTime local_now() {
+    const std::time_t t = std::time(nullptr);
+    std::tm tm{};
+    localtime_r(&t, &tm);
+    return {tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min, tm.tm_sec, tm.tm_wday};
+}
+
+std::string format_date(const CivilTime& t, std::string_view picture) {
+    static const char* const months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                         "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    static const char* const days[] = {"Sunday", "Monday", "Tuesday", "Wednesday",
+                                       "Thursday", "Friday", "Saturday"};
+    char buf[64];
+    const char* month = months[(t.month - 1 + 12) % 12];
+    if (picture == "hh:mm") {
+        std::snprintf(buf, sizeof buf, "%02d:%02d", t.hour, t.minute);
+    } else if (picture == "dddd, mmm d yyyy") {
+        std::snprintf(buf, sizeof buf, "%s, %s %d %d", days[(t.weekday % 7 + 7) % 7], month, t.day, t.year);
+    } else {  // "mmm d yyyy"
+        std::snprintf(buf, sizeof buf, "%s %d %d", month, t.day, t.year);
+    }
+    return buf;
+}
+
+}  // namespace kyt

@@ -1,0 +1,50 @@
+#pragma once
+// Text helpers of the core. Text is bytes: one byte a character, as in the
+// files and on the serial line. Positions are 1-based where the console's own
+// procedures count that way (find, mid), and a "not found" is 0.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kyt {
+
+inline constexpr char CR = '\r';
+inline constexpr char LF = '\n';
+inline constexpr char FF = '\f';
+inline constexpr char BELL = '\x07';  // ends a text stream from the analyser
+inline constexpr char ENQ = '\x05';   // marks a line that is left out
+inline constexpr std::string_view CRLF = "\r\n";
+
+// Blanks only (character 32) are taken off, as the console's trim does.
+std::string trim(std::string_view s);
+std::string ltrim(std::string_view s);
+std::string rtrim(std::string_view s);
+
+std::string upper(std::string_view s);
+bool iequals(std::string_view a, std::string_view b);
+
+// 1-based position of needle in hay at or after start, 0 when absent.
+// An empty needle is found at start (when start lies within hay + 1).
+std::size_t find1(std::string_view hay, std::string_view needle, std::size_t start = 1);
+
+// Characters from 1-based start, at most len of them; past the end gives "".
+std::string mid(std::string_view s, std::size_t start, std::size_t len = std::string_view::npos);
+std::string left(std::string_view s, std::size_t n);
+std::string right(std::string_view s, std::size_t n);
+
+bool contains(std::string_view hay, std::string_view needle);
+bool starts_with(std::string_view s, std::string_view prefix);
+bool ends_with(std::string_view s, std::string_view suffix);
+
+std::string spaces(std::size_t n);
+
+// Fits a value into a fixed-width run of underscores: the value and the rest
+// of the blank behind it, or the value cut to the blank's width.
+std::string replace_underlined_field(std::string_view blank, std::string_view value);
+
+// Splits at CR LF; a lone LF also ends a line, a CR before it is taken off.
+// A text that ends in a line end gives no empty last line.
+std::vector<std::string> split_lines(std::string_view text);
+
+}  // namespace kyt
