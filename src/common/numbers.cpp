@@ -150,6 +150,15 @@ std::string general_number(double v) {
     return mant + ebuf;
 }
 
+bool text_to_bool(std::string_view s) {
+    std::string t;
+    for (char c : s)
+        if (c != ' ') t += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    if (t == "true") return true;
+    if (t == "false" || t.empty()) return false;
+    return leading_number(t) != 0.0;
+}
+
 CivilTime local_now() {
     const std::time_t t = std::time(nullptr);
     std::tm tm{};

@@ -34,6 +34,10 @@ std::string format_picture(double v, std::string_view picture);
 // values use the exponent form "1.5E+20", "1E-07".
 std::string general_number(double v);
 
+// A stored text as a boolean: "True" and "False" in any case, or a number
+// (true when not 0). Anything else is false.
+bool text_to_bool(std::string_view s);
+
 // Local calendar time, as the head writers and print headers take it.
 struct CivilTime {
     int year = 2000, month = 1, day = 1;     // month 1 to 12

@@ -1,0 +1,91 @@
+#include "app/dialogs/file_dialogs.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include "common/qt_text.h"
+
+namespace kyt {
+
+CommonDialog& common_dialog() {
+    static CommonDialog d;
+    return d;
+}
+
+QStringList qt_name_filters(const std::string& filter) {
+    const QStringList parts = qs(filter).split('|');
+    QStringList out;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        QString pattern = parts[i + 1].trimmed();
+        pattern.replace("*.*", "*");
+        QString name = parts[i].trimmed();
+        name.remove(QRegularExpression("\\s*\\([^)]*\\)\\s*$"));
+        out << name + " (" + pattern + ")";
+    }
+    return out;
+}
+
+namespace {
+
+// The extension a filter entry stands for ("log" for "Log Files (*.log)"),
+// empty for "all files".
+QString filter_extension(const QString& name_filter) {
+    static const QRegularExpression re("\\(\\*\\.([A-Za-z0-9]+)\\)$");
+    const auto m = re.match(name_filter);
+    return m.hasMatch() ? m.captured(1) : QString();
+}
+
+std::string run_dialog(const CommonDialog& d, bool save) {
+    QFileDialog dlg(QApplication::activeWindow(), qs(d.DialogTitle));
+    const QStringList filters = qt_name_filters(d.Filter);
+    if (!filters.isEmpty()) dlg.setNameFilters(filters);
+    const QString dir = qs(d.InitDir);
+    if (!dir.isEmpty()) dlg.setDirectory(dir);
+    if (!d.FileName.empty()) dlg.selectFile(qs(d.FileName));
+    if (save) {
+        dlg.setAcceptMode(QFileDialog::AcceptSave);
+        dlg.setFileMode(QFileDialog::AnyFile);
+        if (!(d.Flags & cdlOFNOverwritePrompt)) dlg.setOption(QFileDialog::DontConfirmOverwrite, true);
+    } else {
+        dlg.setAcceptMode(QFileDialog::AcceptOpen);
+        dlg.setFileMode((d.Flags & cdlOFNFileMustExist) ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    }
+    // A name typed without an extension takes that of the chosen filter, or
+    // the dialog's default extension when the filter is "all files".
+    const auto suffix_for = [&](const QString& f) {
+        const QString e = filter_extension(f);
+        return e.isEmpty() ? qs(d.DefaultExt).toLower() : e;
+    };
+    dlg.setDefaultSuffix(suffix_for(filters.value(0)));
+    QObject::connect(&dlg, &QFileDialog::filterSelected,
+                     [&](const QString& f) { dlg.setDefaultSuffix(suffix_for(f)); });
+    for (;;) {
+        if (dlg.exec() != QDialog::Accepted || dlg.selectedFiles().isEmpty()) return {};
+        const QString name = dlg.selectedFiles().constFirst();
+        if ((d.Flags & cdlOFNPathMustExist) && !QFileInfo(name).dir().exists()) continue;
+        if ((d.Flags & cdlOFNFileMustExist) && !QFileInfo::exists(name)) continue;
+        return ss(QDir::toNativeSeparators(name));
+    }
+}
+
+}  // namespace
+
+std::string QtFileDialogs::show_open(const CommonDialog& d) { return run_dialog(d, false); }
+std::string QtFileDialogs::show_save(const CommonDialog& d) { return run_dialog(d, true); }
+
+std::string ScriptedFileDialogs::answer(const CommonDialog& d, bool save) {
+    requests.push_back({d, save});
+    if (fail_next) {
+        fail_next = false;
+        throw FileDialogError("The file dialog could not be shown.");
+    }
+    if (names_.empty()) return {};
+    std::string n = std::move(names_.front());
+    names_.pop_front();
+    return n;
+}
+
+}  // namespace kyt

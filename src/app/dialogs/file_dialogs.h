@@ -1,0 +1,82 @@
+#pragma once
+// The common file dialog: title, filter, default extension, initial folder,
+// file name and flags, shown as Open or as Save. The filter is written as
+// "description|pattern|description|pattern...". Flags add up: 2 prompt before
+// overwriting, 4 hide the read-only box, 8 keep the working folder, 2048 the
+// path must exist, 4096 the file must exist (6156 for Open, 2062 for Save).
+
+#include <deque>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QStringList>
+
+namespace kyt {
+
+enum FileDialogFlag : int {
+    cdlOFNOverwritePrompt = 2,
+    cdlOFNHideReadOnly = 4,
+    cdlOFNNoChangeDir = 8,
+    cdlOFNPathMustExist = 2048,
+    cdlOFNFileMustExist = 4096,
+};
+
+struct CommonDialog {
+    std::string DialogTitle;
+    std::string Filter;
+    std::string DefaultExt;
+    std::string InitDir;
+    std::string FileName;
+    int Flags = 0;
+};
+
+// The program's one common dialog (the main window's CommonDialog1).
+CommonDialog& common_dialog();
+
+class FileDialogError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+class FileDialogs {
+public:
+    virtual ~FileDialogs() = default;
+    // Each returns the chosen name, or an empty text when the operator gave up.
+    virtual std::string show_open(const CommonDialog& d) = 0;
+    virtual std::string show_save(const CommonDialog& d) = 0;
+};
+
+class QtFileDialogs final : public FileDialogs {
+public:
+    std::string show_open(const CommonDialog& d) override;
+    std::string show_save(const CommonDialog& d) override;
+};
+
+// Answers with the names a test has queued ("" gives up), and keeps every
+// request it was shown. fail_next makes the next show throw, as a dialog
+// that cannot come up.
+class ScriptedFileDialogs final : public FileDialogs {
+public:
+    std::string show_open(const CommonDialog& d) override { return answer(d, false); }
+    std::string show_save(const CommonDialog& d) override { return answer(d, true); }
+    void queue(std::string name) { names_.push_back(std::move(name)); }
+
+    struct Request {
+        CommonDialog dialog;
+        bool save;
+    };
+    std::vector<Request> requests;
+    bool fail_next = false;
+
+private:
+    std::string answer(const CommonDialog& d, bool save);
+    std::deque<std::string> names_;
+};
+
+// "desc|pattern|..." as Qt name filters: "Log Files (*.log)". "*.*" stands
+// for every file, as it does for the operator.
+QStringList qt_name_filters(const std::string& filter);
+
+}  // namespace kyt

@@ -1,0 +1,27 @@
+#pragma once
+// The three ways the console asks for the name of a report or log file, all
+// through the one common dialog. The caller sets the dialog's title first.
+
+#include <string>
+
+namespace kyt {
+
+// The two filter orders and their default extensions.
+inline constexpr const char* kLogFirstFilter =
+    "Log Files (*.log)| *.log|Summary files (*.sum) | *.sum|Data files (*.dat) | *.dat|All files (*.*) | *.*";
+inline constexpr const char* kSummaryFirstFilter =
+    "Summary Files (*.sum)| *.sum|Log files (*.log) | *.log|Data files (*.dat) | *.dat|All files (*.*) | *.*";
+
+// Leaves the chosen name in file_name, empty when the operator gave up. A
+// report text that holds "LOG" offers logs first.
+void show_open_dialog();
+
+// The chosen name, already created empty; empty when the operator gave up or
+// the name could not be used. The filter order follows log_file_wanted.
+std::string show_save_dialog();
+
+// Creates the file empty (an existing one loses its content) to prove that
+// the name can be used; the name, or an empty text after telling why not.
+std::string check_file_name(const std::string& name);
+
+}  // namespace kyt

@@ -1,0 +1,9 @@
+#include "app/form_registry.h"
+
+#include "common/forms.h"
+#include "link/frmChangePort.h"
+
+void register_all_forms() {
+    using namespace kyt::forms;
+    register_form<frmChangePort>();
+}

@@ -1,0 +1,74 @@
+#include "app/settings/ini_settings_store.h"
+
+#include <QDir>
+#include <QSettings>
+#include <QStandardPaths>
+
+namespace kyt {
+
+namespace {
+
+QString qs(std::string_view s) { return QString::fromLatin1(s.data(), static_cast<qsizetype>(s.size())); }
+
+// The spelling already in use for a name, compared without regard to case.
+QString existing_name(const QStringList& names, const QString& wanted) {
+    for (const QString& n : names)
+        if (n.compare(wanted, Qt::CaseInsensitive) == 0) return n;
+    return wanted;
+}
+
+// QSettings keeps keys outside any group under "General"; the console always
+// names a section, so a plain group is enough here.
+struct Place {
+    QString group;
+    QString key;
+};
+
+Place locate(QSettings& s, std::string_view section, std::string_view key) {
+    const QString group = existing_name(s.childGroups(), qs(section));
+    s.beginGroup(group);
+    const QString k = existing_name(s.childKeys(), qs(key));
+    s.endGroup();
+    return {group, k};
+}
+
+}  // namespace
+
+IniSettingsStore::IniSettingsStore(QString folder) : folder_(folder.isEmpty() ? default_folder() : folder) {}
+
+QString IniSettingsStore::default_folder() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/kyt-console";
+}
+
+QString IniSettingsStore::file_for(std::string_view app) const {
+    return folder_ + "/" + qs(app).toLower() + ".ini";
+}
+
+std::string IniSettingsStore::get_setting(std::string_view app, std::string_view section, std::string_view key,
+                                          std::string_view default_value) {
+    QSettings s(file_for(app), QSettings::IniFormat);
+    const Place p = locate(s, section, key);
+    const QVariant v = s.value(p.group + "/" + p.key);
+    if (!v.isValid()) return std::string(default_value);
+    // A hand-edited value with unquoted commas reads back as a list.
+    if (v.typeId() == QMetaType::QStringList) return v.toStringList().join(",").toLatin1().toStdString();
+    return v.toString().toLatin1().toStdString();
+}
+
+void IniSettingsStore::save_setting(std::string_view app, std::string_view section, std::string_view key,
+                                    std::string_view value) {
+    QDir().mkpath(folder_);
+    QSettings s(file_for(app), QSettings::IniFormat);
+    const Place p = locate(s, section, key);
+    s.setValue(p.group + "/" + p.key, qs(value));
+    s.sync();
+}
+
+void IniSettingsStore::delete_setting(std::string_view app, std::string_view section, std::string_view key) {
+    QSettings s(file_for(app), QSettings::IniFormat);
+    const Place p = locate(s, section, key);
+    s.remove(p.group + "/" + p.key);
+    s.sync();
+}
+
+}  // namespace kyt

@@ -1,0 +1,80 @@
+#include "common/message_boxes.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include "common/qt_text.h"
+#include "common/services.h"
+
+namespace kyt {
+
+std::vector<int> box_buttons(int style) {
+    switch (style & 7) {
+        case vbOKCancel: return {vbOK, vbCancel};
+        case 2: return {vbAbort, vbRetry, vbIgnore};
+        case vbYesNoCancel: return {vbYes, vbNo, vbCancel};
+        case vbYesNo: return {vbYes, vbNo};
+        case vbRetryCancel: return {vbRetry, vbCancel};
+        default: return {vbOK};
+    }
+}
+
+int box_default_answer(int style) {
+    const auto buttons = box_buttons(style);
+    const std::size_t index = (style & 0x300) >> 8;
+    return buttons[index < buttons.size() ? index : 0];
+}
+
+int QtMessageBoxes::show(const std::string& text, int style, const std::string& title) {
+    QMessageBox box(QApplication::activeWindow());
+    box.setWindowTitle(qs(title));
+    box.setText(qs(text));
+    switch (style & 0x70) {
+        case vbCritical: box.setIcon(QMessageBox::Critical); break;
+        case vbQuestion: box.setIcon(QMessageBox::Question); break;
+        case vbExclamation: box.setIcon(QMessageBox::Warning); break;
+        case vbInformation: box.setIcon(QMessageBox::Information); break;
+        default: box.setIcon(QMessageBox::NoIcon); break;
+    }
+    struct Choice {
+        int answer;
+        QMessageBox::StandardButton button;
+    };
+    static const Choice choices[] = {
+        {vbOK, QMessageBox::Ok},       {vbCancel, QMessageBox::Cancel}, {vbAbort, QMessageBox::Abort},
+        {vbRetry, QMessageBox::Retry}, {vbIgnore, QMessageBox::Ignore}, {vbYes, QMessageBox::Yes},
+        {vbNo, QMessageBox::No},
+    };
+    const int wanted_default = box_default_answer(style);
+    for (int answer : box_buttons(style)) {
+        for (const Choice& c : choices) {
+            if (c.answer != answer) continue;
+            QPushButton* b = box.addButton(c.button);
+            if (answer == wanted_default) box.setDefaultButton(b);
+        }
+    }
+    box.exec();
+    const auto pressed = box.standardButton(box.clickedButton());
+    for (const Choice& c : choices)
+        if (c.button == pressed) return c.answer;
+    // Closed without a button: the answer Cancel where there is one, else the default.
+    const auto buttons = box_buttons(style);
+    for (int b : buttons)
+        if (b == vbCancel) return vbCancel;
+    return wanted_default;
+}
+
+int ScriptedMessageBoxes::show(const std::string& text, int style, const std::string& title) {
+    shown.push_back({text, style, title});
+    if (answers_.empty()) return box_default_answer(style);
+    const int a = answers_.front();
+    answers_.pop_front();
+    return a;
+}
+
+int msg_box(const std::string& text, int style, const std::string& title) {
+    return services().boxes->show(text, style, title);
+}
+
+}  // namespace kyt

@@ -1,0 +1,66 @@
+#pragma once
+// Message boxes. A box has a text, a style and a title, and gives back the
+// button pressed. Styles add up as the console writes them: buttons (0 OK,
+// 1 OK/Cancel, 3 Yes/No/Cancel, 4 Yes/No, 5 Retry/Cancel), icon (16 critical,
+// 32 question, 48 exclamation, 64 information) and default button (0 first,
+// 256 second, 512 third). In use: 16, 48, 292 and 276.
+
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace kyt {
+
+enum BoxStyle : int {
+    vbOKOnly = 0,
+    vbOKCancel = 1,
+    vbYesNoCancel = 3,
+    vbYesNo = 4,
+    vbRetryCancel = 5,
+    vbCritical = 16,
+    vbQuestion = 32,
+    vbExclamation = 48,
+    vbInformation = 64,
+    vbDefaultButton2 = 256,
+    vbDefaultButton3 = 512,
+};
+
+enum BoxAnswer : int { vbOK = 1, vbCancel = 2, vbAbort = 3, vbRetry = 4, vbIgnore = 5, vbYes = 6, vbNo = 7 };
+
+class MessageBoxes {
+public:
+    virtual ~MessageBoxes() = default;
+    virtual int show(const std::string& text, int style, const std::string& title) = 0;
+};
+
+// The real boxes, modal over the active window.
+class QtMessageBoxes final : public MessageBoxes {
+public:
+    int show(const std::string& text, int style, const std::string& title) override;
+};
+
+// Records every box and answers as the test has scripted; with no scripted
+// answer left it presses the default button.
+class ScriptedMessageBoxes final : public MessageBoxes {
+public:
+    struct Box {
+        std::string text;
+        int style;
+        std::string title;
+    };
+    int show(const std::string& text, int style, const std::string& title) override;
+    void answer(int a) { answers_.push_back(a); }
+    std::vector<Box> shown;
+
+private:
+    std::deque<int> answers_;
+};
+
+// The buttons a style offers, in order, and the one pressed by default.
+std::vector<int> box_buttons(int style);
+int box_default_answer(int style);
+
+// Shows a box through the program's message boxes.
+int msg_box(const std::string& text, int style, const std::string& title);
+
+}  // namespace kyt

@@ -1,0 +1,16 @@
+#pragma once
+// Conversions between the core's byte texts and Qt's strings: one byte is one
+// character (Latin-1), as in the console's files and on the serial line.
+
+#include <QByteArray>
+#include <QString>
+#include <string>
+#include <string_view>
+
+namespace kyt {
+
+inline QString qs(std::string_view s) { return QString::fromLatin1(s.data(), static_cast<qsizetype>(s.size())); }
+inline std::string ss(const QString& s) { return s.toLatin1().toStdString(); }
+inline std::string ss(const QByteArray& b) { return std::string(b.constData(), static_cast<std::size_t>(b.size())); }
+
+}  // namespace kyt

@@ -1,0 +1,25 @@
+#include "common/services.h"
+
+#include "app/dialogs/file_dialogs.h"
+#include "app/settings/ini_settings_store.h"
+#include "common/clock.h"
+#include "common/message_boxes.h"
+#include "link/qt_serial_line.h"
+
+namespace kyt {
+
+Services& services() {
+    static Services s;
+    return s;
+}
+
+void install_real_services() {
+    Services& s = services();
+    s.settings = std::make_unique<IniSettingsStore>();
+    s.serial = std::make_unique<QtSerialLine>(*s.settings);
+    s.boxes = std::make_unique<QtMessageBoxes>();
+    s.dialogs = std::make_unique<QtFileDialogs>();
+    s.clock = std::make_unique<SystemClock>();
+}
+
+}  // namespace kyt

@@ -1,0 +1,30 @@
+#pragma once
+// The platform services the forms reach: settings store, serial line (the
+// main window's KYTComm), message boxes, file dialogs (behind CommonDialog1)
+// and the clock. main() installs the real ones; tests install their own.
+
+#include <memory>
+
+namespace kyt {
+
+class SettingsStore;
+class SerialLine;
+class MessageBoxes;
+class FileDialogs;
+class Clock;
+
+struct Services {
+    std::unique_ptr<SettingsStore> settings;
+    std::unique_ptr<SerialLine> serial;
+    std::unique_ptr<MessageBoxes> boxes;
+    std::unique_ptr<FileDialogs> dialogs;
+    std::unique_ptr<Clock> clock;
+};
+
+Services& services();
+
+// The real services: the INI store in the per-user folder, QSerialPort, Qt's
+// message boxes and file dialogs, the system clock.
+void install_real_services();
+
+}  // namespace kyt

@@ -1,0 +1,62 @@
+#pragma once
+// The program-wide variables, one instance each, grouped by what they serve.
+// Forms read and write them; core procedures take what they need as arguments.
+
+#include <array>
+#include <string>
+
+#include "common/report_rec.h"
+
+namespace kyt {
+
+struct PortState {
+    int comm_port = 2;                        // chosen port, 1 to 4
+    std::array<bool, 4> comm_ports_free{};    // ports 1 to 4 that the last scan could open
+    char channel = 'A';                       // analyser channel "A" to "D"
+    char series = 'C';                        // analyser series letter
+    std::string comm_buffer;                  // text of the last serial read
+};
+
+struct Folders {
+    std::string main_dir, save_dir, init_dir, help_dir;
+    std::string default_main_dir, default_save_dir, default_init_dir, default_help_dir;
+    std::string file_name;
+    std::string rt_log_file, ot_log_file, rt_sum_file, ot_sum_file;
+    std::string summary_file, log_file, receive_file;
+};
+
+struct RunState {
+    char download_mode = ' ';  // "1" summary, "2" data log, "3" real-time, "4" receive any, "5" report edit
+    bool download_ok = false;
+    bool report_pending = false, rt_pending = false, ot_pending = false;
+    bool rt_selected = false, ot_selected = false;
+    bool rt_running = false, ot_running = false;
+    bool rt_sum_running = false, ot_sum_running = false;
+    bool rt_log_on = false, ot_log_on = false, rt_sum_on = false, ot_sum_on = false;
+    bool header_wanted = false, header_entered = false, header_is_single_rate = false;
+    bool first_buffer = true;
+    bool capture_begun = false;
+    bool changes_unsaved = false;  // only read at exit; nothing arms it yet
+    bool file_appended = false;
+    bool log_file_wanted = false;  // chooses the filter order of the Save dialog
+};
+
+struct SharedState {
+    PortState port;
+    Folders dirs;
+    RunState run;
+    ReportRec report_rec;
+    std::array<bool, 12> mandatory{};
+    std::string report_text;
+    std::string header_text;
+    double report_set_rate = 0;  // the set rate the header dialog last accepted, as a number
+    std::string password;
+    bool password_required = false;
+    std::string help_topic;
+    int help_page = 0;
+};
+
+// The one instance.
+SharedState& shared();
+
+}  // namespace kyt

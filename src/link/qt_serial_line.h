@@ -1,0 +1,49 @@
+#pragma once
+// The serial line over QSerialPort. Comm n is the device named by key "comm"n
+// of section "Ports" in the settings (default /dev/ttyS0 to /dev/ttyS3), so a
+// USB adapter or a pseudo-terminal can stand behind any of the four.
+
+#include <QSerialPort>
+
+#include "link/serial_line.h"
+
+namespace kyt {
+
+class SettingsStore;
+
+class QtSerialLine final : public SerialLine {
+public:
+    explicit QtSerialLine(SettingsStore& settings);
+
+    void set_port_number(int n) override { port_number_ = n; }
+    int port_number() const override { return port_number_; }
+    void set_settings(std::string_view settings) override;
+    void set_port_open(bool open) override;
+    bool port_open() const override { return port_.isOpen(); }
+    void set_rts_enable(bool on) override;
+    int in_buffer_count() override;
+    void clear_input() override;
+    void clear_output() override;
+    void set_rthreshold(int) override {}  // reads are polled by timers; no event is raised on arrival
+    void set_input_len(int n) override { input_len_ = n; }
+    void output(std::string_view text) override;
+    std::string input() override;
+    std::string device_name(int port) const override;
+
+private:
+    // Moves what the system holds for the port into QSerialPort's buffer; the
+    // console reads from timer ticks and busy waits, not from read events.
+    void pull();
+
+    SettingsStore& settings_;
+    QSerialPort port_;
+    int port_number_ = 1;
+    int input_len_ = 0;
+    bool rts_ = false;
+    qint32 baud_ = 9600;
+    QSerialPort::Parity parity_ = QSerialPort::NoParity;
+    QSerialPort::DataBits data_bits_ = QSerialPort::Data8;
+    QSerialPort::StopBits stop_bits_ = QSerialPort::OneStop;
+};
+
+}  // namespace kyt
