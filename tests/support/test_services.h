@@ -1,0 +1,53 @@
+#pragma once
+// Installs the services a form test runs on: the real INI settings store in
+// the test's own temporary home (set by CTest), a serial line in memory,
+// message boxes and file dialogs that the test answers, and a clock that does
+// not really wait. Returns them for the test to script and inspect.
+
+#include <QDir>
+#include <QStandardPaths>
+
+#include "app/dialogs/file_dialogs.h"
+#include "app/settings/ini_settings_store.h"
+#include "common/clock.h"
+#include "common/message_boxes.h"
+#include "common/services.h"
+#include "common/shared_state.h"
+#include "link/serial_line.h"
+
+namespace kyt::test {
+
+struct TestServices {
+    IniSettingsStore* settings;
+    FakeSerialLine* serial;
+    ScriptedMessageBoxes* boxes;
+    ScriptedFileDialogs* dialogs;
+    SteppingClock* clock;
+};
+
+// The settings file of the test home, removed so that each test starts from
+// an empty store.
+inline QString fresh_settings_folder() {
+    const QString folder = IniSettingsStore::default_folder();
+    QDir(folder).removeRecursively();
+    return folder;
+}
+
+inline TestServices install_test_services(bool fresh_store = true) {
+    Services& s = services();
+    auto settings = std::make_unique<IniSettingsStore>(fresh_store ? fresh_settings_folder() : QString());
+    auto serial = std::make_unique<FakeSerialLine>();
+    auto boxes = std::make_unique<ScriptedMessageBoxes>();
+    auto dialogs = std::make_unique<ScriptedFileDialogs>();
+    auto clock = std::make_unique<SteppingClock>();
+    TestServices t{settings.get(), serial.get(), boxes.get(), dialogs.get(), clock.get()};
+    s.settings = std::move(settings);
+    s.serial = std::move(serial);
+    s.boxes = std::move(boxes);
+    s.dialogs = std::move(dialogs);
+    s.clock = std::move(clock);
+    shared() = SharedState{};
+    return t;
+}
+
+}  // namespace kyt::test
