@@ -2,8 +2,10 @@
 
 #include "common/forms.h"
 #include "link/frmChangePort.h"
+#include "link/frmTestPort.h"
 
 void register_all_forms() {
     using namespace kyt::forms;
     register_form<frmChangePort>();
+    register_form<frmTestPort>();
 }
