@@ -33,7 +33,7 @@ void draw_pump(QPainter& p, QRectF r) {
     p.setBrush(Qt::NoBrush);
     QPainterPath tube;
     tube.moveTo(r.center().x(), r.top());
-    tube.cubicTo(r.center().x(), r.top() - 30, r.right() + 40, r.top() - 10, r.right() + 50, r.center().y());
+    tube.cubicTo(r.center().x(), r.top() - 30, r.left() - 10, r.top() - 20, r.left() - 14, r.top() - 70);
     p.drawPath(tube);
 }
 

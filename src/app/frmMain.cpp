@@ -221,6 +221,11 @@ bool frmMain::exit_kyt() {
     return true;
 }
 
+void frmMain::paintEvent(QPaintEvent* e) {
+    QMainWindow::paintEvent(e);
+    if (quit_after_paint_) QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });
+}
+
 void frmMain::closeEvent(QCloseEvent* e) {
     if (!exit_kyt()) {
         e->ignore();
@@ -230,5 +235,5 @@ void frmMain::closeEvent(QCloseEvent* e) {
     e->accept();
     // The program ends with the main window, also when forms that are not on
     // the closing list are still open.
-    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });
 }

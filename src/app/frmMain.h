@@ -29,10 +29,12 @@ public:
     void disable_port_menus();
     bool test_port_enabled() const;
     void show_comm_port(int port);
+    void quit_after_first_paint() { quit_after_paint_ = true; }
 
 protected:
     bool event(QEvent* e) override;
     void closeEvent(QCloseEvent* e) override;
+    void paintEvent(QPaintEvent* e) override;
 
 private:
     void Form_Load();
@@ -43,4 +45,5 @@ private:
     void unload_closing_list();
 
     Ui::frmMain* ui;
+    bool quit_after_paint_ = false;
 };

@@ -15,5 +15,8 @@ int main(int argc, char** argv) {
     register_all_forms();
     frmMain* main_window = kyt::forms::get<frmMain>();
     main_window->show();
+    // For timing the start-up (scripts/startup-time): end as soon as the main
+    // window has been painted once.
+    if (qEnvironmentVariableIsSet("KYT_EXIT_WHEN_SHOWN")) main_window->quit_after_first_paint();
     return app.exec();
 }
