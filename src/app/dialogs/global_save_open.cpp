@@ -32,6 +32,7 @@ void show_open_dialog() {
     SharedState& s = shared();
     CommonDialog& d = common_dialog();
     d.InitDir = s.dirs.save_dir;
+    // A report text that matches "*LOG*" offers logs first.
     set_filter(d, contains(s.report_text, "LOG"));
     d.FileName.clear();
     d.Flags = 6156;
