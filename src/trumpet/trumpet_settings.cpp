@@ -1,0 +1,136 @@
+#include "trumpet/trumpet_settings.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+#include "common/numbers.h"
+#include "graph/shortest_number.h"
+
+namespace kyt {
+
+namespace {
+
+constexpr int start_step = 30;    // minutes between start entries
+constexpr int length_step = 60;   // minutes between length entries
+constexpr int shortest_log = 60;  // minutes of data the trumpet needs
+
+// A log cannot reach these lengths (its hours have two digits); the bound
+// keeps every sum of a start and a length within 16 bits.
+constexpr double longest_log = 16000;
+
+double bounded(double log_minutes) {
+    if (std::isnan(log_minutes)) return 0;
+    return std::clamp(log_minutes, -longest_log, longest_log);
+}
+
+std::int16_t minutes16(double v) { return static_cast<std::int16_t>(v); }
+
+std::string whole(int v) { return std::to_string(v); }
+
+// A single-precision cell is formatted as the decimal it stands for, not as
+// the digits of its widening to double.
+double as_decimal(float v) {
+    const std::string text = shortest_text(v);
+    double d = v;
+    std::from_chars(text.data(), text.data() + text.size(), d);
+    return d;
+}
+
+}  // namespace
+
+std::optional<GraphMessage> check_trumpet_data(const LogSeries& series) {
+    const int n = series.graph_last_index;
+    if (n < 0 || static_cast<std::size_t>(n) >= series.graph_time.size() || series.graph_time[n] < shortest_log)
+        return GraphMessage{"Insufficient data for Trumpet Graph", "Data Error", GraphMessage::exclamation};
+    return std::nullopt;
+}
+
+TrumpSetLoad trumpset_load(double log_minutes) {
+    const double L = bounded(log_minutes);
+    TrumpSetLoad load;
+    StartChoice& c = load.choice;
+
+    int k = 0;
+    for (; k * start_step + shortest_log < L; ++k) {
+        c.trumpet_start_time = minutes16(k * start_step);
+        c.start_entries.push_back(whole(k * start_step));
+    }
+    // The start selected at load: minute 0 on a log of at most 60 minutes,
+    // else minute 60 (entry 2) or minute 30 (entry 1). With one or two
+    // entries, which logs of 61 to 120 minutes give, the entry is missing.
+    if (k == 0) {
+        c.start_entries.push_back("0");
+        c.start_selected = 0;
+        c.trumpet_start_time = 0;
+    } else {
+        const int wanted = k >= 2 ? 2 : 1;
+        if (wanted >= static_cast<int>(c.start_entries.size())) {
+            load.error = GraphMessage{"The trumpet settings cannot be set up for a log of " + general_number(L) +
+                                          " minutes: a log longer than 60 and at most 120 minutes has no start "
+                                          "entry " +
+                                          whole(wanted),
+                                      "ERROR", GraphMessage::critical};
+        }
+        c.start_selected = wanted;
+        c.trumpet_start_time = minutes16(wanted * start_step);
+    }
+
+    for (int j = 1; j * length_step < L; ++j) load.length_entries.push_back(whole(j * length_step));
+    load.length_entries.emplace_back(all_entry);
+    c.calculation_length = L > shortest_log ? minutes16(shortest_log) : minutes16(std::floor(L));
+    c.trumpet_end_time = minutes16(c.trumpet_start_time + c.calculation_length);
+    return load;
+}
+
+StartChoice choose_length(double log_minutes, std::string_view entry) {
+    const double L = bounded(log_minutes);
+    StartChoice c;
+    if (entry == all_entry) {
+        // The whole log: its length floored, and one minute more when the
+        // rest is above half a minute, rounded halves to even, so that only
+        // odd floors go up (75.6 gives 76, 76.6 gives 76).
+        double length = std::floor(L);
+        if (L - length > 0.5) length = round_half_even(length + 0.5);
+        c.calculation_length = minutes16(length);
+        c.start_entries = {"0"};
+        c.start_selected = 0;
+        c.start_enabled = false;
+        c.trumpet_start_time = 0;
+    } else {
+        c.calculation_length = minutes16(bounded(round_half_even(leading_number(entry))));
+        c.start_entries = {"0"};
+        int k = 1;
+        for (; k * start_step + c.calculation_length < L; ++k) c.start_entries.push_back(whole(k * start_step));
+        // With k the first start that did not fit: entry 2 (minute 60) when
+        // there is one, else the last.
+        c.start_selected = k > 2 ? 2 : k - 1;
+        c.trumpet_start_time = minutes16(c.start_selected * start_step);
+    }
+    c.trumpet_end_time = minutes16(c.trumpet_start_time + c.calculation_length);
+    return c;
+}
+
+bool default_applies(double log_minutes) { return log_minutes > default_button_minimum; }
+
+TrumpetSummaryTexts trumpet_summary_texts(const TrumpetResult& result, double base_rate,
+                                          std::int16_t trumpet_start_time, std::int16_t trumpet_end_time) {
+    TrumpetSummaryTexts t;
+    for (std::size_t i = 0; i < result.trumpet_table.size(); ++i) {
+        const auto& row = result.trumpet_table[i];
+        t.max_error_percent[i] = format_picture(as_decimal(row[max_error_percent]), "0.00");
+        t.max_error_rate[i] = format_picture(as_decimal(row[max_error_rate]), "0.00");
+        t.min_error_percent[i] = format_picture(as_decimal(row[min_error_percent]), "0.00");
+        t.min_error_rate[i] = format_picture(as_decimal(row[min_error_rate]), "0.00");
+    }
+    t.set_rate = "Base Rate:  " + general_number(base_rate) + " ml/hr";
+    t.avg_rate = "Avg Rate:  " + general_number(result.trumpet_avg_rate) + " ml/hr";
+    t.avg_error = "% Error:  " + format_picture(result.trumpet_avg_error, "0.000");
+    // Below minute 60 the end itself stands as the length.
+    const int length = trumpet_end_time >= 60 ? trumpet_end_time - trumpet_start_time : trumpet_end_time;
+    t.analysis_period = "Analysis Period:  " + whole(length) + " min  -  From " + whole(trumpet_start_time) +
+                        " to " + whole(trumpet_end_time) + " min";
+    return t;
+}
+
+}  // namespace kyt

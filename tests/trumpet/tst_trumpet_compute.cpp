@@ -1,0 +1,267 @@
+#include <QtTest>
+
+#include <cmath>
+#include <vector>
+
+#include "graph/log_reader.h"
+#include "trumpet/compute.h"
+
+using namespace kyt;
+
+namespace {
+
+LogSeries series_of(const std::vector<double>& time, const std::vector<double>& avg, const std::vector<double>& volume,
+                    double base_rate) {
+    LogSeries s;
+    s.graph_time = time;
+    s.graph_avg_flow = avg;
+    s.graph_volume = volume;
+    s.graph_flow.assign(time.size(), 0.0);
+    s.graph_pressure.assign(time.size(), 0);
+    s.graph_last_index = static_cast<std::int16_t>(time.size() - 1);
+    s.graph_valid = true;
+    s.base_rate = base_rate;
+    return s;
+}
+
+// Records a minute apart from minute 0 to minute n, delivering 2 ml a minute
+// (120 ml/h). The running averages are 0 but for the last, so that the
+// corrected times are the logged ones up to the last record.
+LogSeries steady_120(int n, double final_avg, double base_rate) {
+    std::vector<double> time, avg, volume;
+    for (int i = 0; i <= n; ++i) {
+        time.push_back(i);
+        avg.push_back(i == n ? final_avg : 0);
+        volume.push_back(2.0 * i);
+    }
+    return series_of(time, avg, volume, base_rate);
+}
+
+QList<double> head_of(const std::vector<double>& v, int count) {
+    return QList<double>(v.begin(), v.begin() + std::min<std::size_t>(count, v.size()));
+}
+
+QList<float> flat(const TrumpetTable& t) {
+    QList<float> out;
+    for (const auto& row : t) out.append(QList<float>(row.begin(), row.end()));
+    return out;
+}
+
+}  // namespace
+
+class tst_trumpet_compute : public QObject {
+    Q_OBJECT
+private slots:
+    // Whole runs on a console log, against figures worked out independently
+    // from the same file with the same arithmetic in double precision and the
+    // table rounded to single precision.
+    void console_log_data() {
+        QTest::addColumn<double>("interval");
+        QTest::addColumn<int>("start");
+        QTest::addColumn<int>("end");
+        QTest::addColumn<double>("base_rate");
+        QTest::addColumn<double>("avg_rate");
+        QTest::addColumn<double>("avg_error");
+        QTest::addColumn<bool>("insufficient");
+        QTest::addColumn<int>("points");
+        QTest::addColumn<QList<float>>("table");
+        QTest::newRow("defaults: 60 s, minutes 60 to 120") << 60.0 << 60 << 120 << 99.0 << 99.05 << 0.05050505050504763 << false << 61
+            << QList<float>{2.0f, 5.088281154632568f, -5.149223327636719f, 5.037398338317871f, -5.097731113433838f, 5.0f, 2.3081741333007812f, -2.3625850677490234f, 2.285092353820801f, -2.338959217071533f, 11.0f, 1.3718206882476807f, -1.3787169456481934f, 1.358102560043335f, -1.3649296760559082f, 19.0f, 0.6943115592002869f, -0.7336522936820984f, 0.6873683929443359f, -0.7263157963752747f, 31.0f, 0.31108447909355164f, -0.3018941879272461f, 0.30797362327575684f, -0.29887527227401733f};
+        QTest::newRow("30 s, whole log") << 30.0 << 0 << 130 << 99.0 << 99.05 << 0.05050505050504763 << false << 261
+            << QList<float>{2.0f, 6.038405895233154f, -5.726716041564941f, 5.978021621704102f, -5.6694488525390625f, 5.0f, 2.4002230167388916f, -2.4813640117645264f, 2.376220941543579f, -2.456550359725952f, 11.0f, 1.3948204517364502f, -1.3787169456481934f, 1.3808722496032715f, -1.3649296760559082f, 19.0f, 0.7495797276496887f, -0.7363774180412292f, 0.7420839071273804f, -0.7290136218070984f, 31.0f, 0.3499036729335785f, -0.3422747552394867f, 0.34640464186668396f, -0.33885201811790466f};
+        QTest::newRow("60 s, whole log, base rate 100") << 60.0 << 0 << 130 << 100.0 << 99.05 << -0.950000000000003 << false << 131
+            << QList<float>{2.0f, 4.2371602058410645f, -6.1768293380737305f, 4.2371602058410645f, -6.1768293380737305f, 5.0f, 1.3221614360809326f, -3.365234136581421f, 1.3221614360809326f, -3.365234136581421f, 11.0f, 0.3808722198009491f, -2.364929676055908f, 0.3808722198009491f, -2.364929676055908f, 19.0f, -0.25791609287261963f, -1.7290135622024536f, -0.25791609287261963f, -1.7290135622024536f, 31.0f, -0.6920263767242432f, -1.307237148284912f, -0.6920263767242432f, -1.307237148284912f};
+    }
+    void console_log() {
+        QFETCH(double, interval);
+        QFETCH(int, start);
+        QFETCH(int, end);
+        QFETCH(double, base_rate);
+        QFETCH(double, avg_rate);
+        QFETCH(double, avg_error);
+        QFETCH(bool, insufficient);
+        QFETCH(int, points);
+        QFETCH(QList<float>, table);
+        LogReadResult log = read_log_file(qEnvironmentVariable("KYT_SOURCE_DIR").toStdString() +
+                                          "/tests/data/graph/single_rate_130min.log");
+        QVERIFY(log.accepted());
+        log.series.base_rate = base_rate;
+        const TrumpetResult r = graph_trumpet(log.series, {interval, std::int16_t(start), std::int16_t(end)});
+        QVERIFY2(r.ok(), r.error.c_str());
+        QCOMPARE(r.trumpet_avg_rate, avg_rate);
+        QCOMPARE(r.trumpet_avg_error, avg_error);
+        QCOMPARE(r.insufficient_points, insufficient);
+        QCOMPARE(int(r.trumpet_point_count), points);
+        const QList<float> got = flat(r.trumpet_table);
+        for (int i = 0; i < table.size(); ++i)
+            if (got[i] != table[i]) QFAIL(qPrintable(QString("cell %1: %2 != %3").arg(i).arg(got[i], 0, 'g', 9).arg(table[i], 0, 'g', 9)));
+    }
+
+    // A steady 120 ml/h, a final average of 110 and a base rate of 100, over
+    // minutes 0 to 30: 31 points at 60 s, 61 at 30 s. Every period that fits
+    // finds 120 (periods span 2, 5, 11, 19, 31 points at 60 s and 4, 10, 22,
+    // 38, 62 at 30 s) and no rate below 110; the 31-minute period does not
+    // fit and keeps the final average as both extremes.
+    void period_spans_data() {
+        QTest::addColumn<double>("interval");
+        QTest::addColumn<int>("points");
+        QTest::newRow("60 s") << 60.0 << 31;
+        QTest::newRow("30 s") << 30.0 << 61;
+    }
+    void period_spans() {
+        QFETCH(double, interval);
+        QFETCH(int, points);
+        const TrumpetResult r = graph_trumpet(steady_120(100, 110, 100), {interval, 0, 30});
+        QVERIFY(r.ok());
+        QCOMPARE(int(r.trumpet_point_count), points);
+        const QList<float> expected{2, 20, 10, 20, 10, 5, 20, 10, 20, 10, 11, 20, 10, 20, 10,
+                                    19, 20, 10, 20, 10, 31, 10, 10, 10, 10};
+        QCOMPARE(flat(r.trumpet_table), expected);
+        // The overall rate is the last average but one, here 0.
+        QCOMPARE(r.trumpet_avg_rate, 0.0);
+        QCOMPARE(r.trumpet_avg_error, -100.0);
+        QVERIFY(r.insufficient_points);
+    }
+
+    void base_rate_zero_divides_nothing() {
+        const TrumpetResult r = graph_trumpet(steady_120(100, 110, 0), {60, 0, 30});
+        QVERIFY(r.ok());
+        const QList<float> expected{2, 0, 0, 0, 0, 5, 0, 0, 0, 0, 11, 0, 0, 0, 0, 19, 0, 0, 0, 0, 31, 0, 0, 0, 0};
+        QCOMPARE(flat(r.trumpet_table), expected);
+        QCOMPARE(r.trumpet_avg_error, 0.0);
+    }
+
+    void resampling_data() {
+        QTest::addColumn<QList<double>>("time");
+        QTest::addColumn<QList<double>>("volume");
+        QTest::addColumn<int>("start");
+        QTest::addColumn<int>("end");
+        QTest::addColumn<QList<double>>("resampled");
+        QTest::addColumn<int>("first");
+        QTest::addColumn<int>("last");
+        QTest::addColumn<int>("points");
+        // Records at 1.5, 2.5 ... minutes: minute 0 and 1 lie on the line
+        // through the first two records.
+        QTest::newRow("start 0 extrapolates backwards") << QList<double>{1.5, 2.5, 3.5, 4.5} << QList<double>{4, 6, 8, 10}
+                                                        << 0 << 3 << QList<double>{1, 3, 5, 7} << 0 << 2 << 4;
+        // Records 0 and 1 share minute 2: before it the bracket between them
+        // gives the later volume, at it record 0 gives its own.
+        QTest::newRow("same corrected time from start 0") << QList<double>{2, 2, 3, 4, 5} << QList<double>{1, 1.5, 3, 4, 5}
+                                                          << 0 << 4 << QList<double>{1.5, 1.5, 1, 3, 4} << 0 << 3 << 5;
+        QTest::newRow("same corrected time at a later start") << QList<double>{5, 5, 6, 7, 8}
+                                                              << QList<double>{10, 11, 12, 13, 14} << 5 << 7
+                                                              << QList<double>{11, 12, 13} << 1 << 3 << 3;
+        // A point on a record's time takes that record's volume, even off the
+        // line through its neighbours.
+        QTest::newRow("on a record's time") << QList<double>{0, 1, 2, 3, 4} << QList<double>{0, 2, 7, 6, 8} << 0 << 3
+                                            << QList<double>{0, 2, 7, 6} << 0 << 3 << 4;
+        // The end test compares the offset from the start with the absolute
+        // end minute: from minute 60 it never acts before the last record
+        // (minute 100) does, and 41 points come out, not 31.
+        QTest::newRow("end test on the offset") << QList<double>{0, 10, 20, 30, 40, 50, 60, 70, 80, 90, 100, 110, 120}
+                                                << QList<double>{0, 10, 20, 30, 40, 50, 60, 70, 80, 90, 100, 110, 120}
+                                                << 60 << 90 << QList<double>{60, 61, 62} << 6 << 10 << 41;
+        QTest::newRow("end test from start 0") << QList<double>{0, 10, 20, 30, 40, 50, 60}
+                                               << QList<double>{0, 10, 20, 30, 40, 50, 60} << 0 << 30
+                                               << QList<double>{0, 1, 2} << 0 << 4 << 31;
+    }
+    void resampling() {
+        QFETCH(QList<double>, time);
+        QFETCH(QList<double>, volume);
+        QFETCH(int, start);
+        QFETCH(int, end);
+        QFETCH(QList<double>, resampled);
+        QFETCH(int, first);
+        QFETCH(int, last);
+        QFETCH(int, points);
+        // Running averages of 0 keep the logged times.
+        const LogSeries s = series_of({time.begin(), time.end()}, std::vector<double>(time.size(), 0.0),
+                                      {volume.begin(), volume.end()}, 100);
+        TrumpetComputation c;
+        const TrumpetResult r = c.run(s, {60, std::int16_t(start), std::int16_t(end)});
+        QVERIFY2(r.ok(), r.error.c_str());
+        QCOMPARE(head_of(c.trumpet_volume, resampled.size()), resampled);
+        QCOMPARE(c.first_record, first);
+        QCOMPARE(c.last_record, last);
+        QCOMPARE(int(r.trumpet_point_count), points);
+    }
+
+    // A record with a running average takes volume / average * 60 as its
+    // time; one whose average is 0 keeps its logged time.
+    void corrected_time() {
+        const LogSeries s = series_of({0, 1, 2, 3}, {0, 120, 120, 100}, {0, 2, 4, 6}, 100);
+        TrumpetComputation c;
+        QVERIFY(c.run(s, {60, 0, 3}).ok());
+        const double expected[] = {0, 1, 2, 3.6};
+        QCOMPARE(c.corrected_time.size(), std::size_t(4));
+        for (int i = 0; i < 4; ++i) QCOMPARE(c.corrected_time[i], expected[i]);
+    }
+
+    // Too few data is no error: insufficient_points counts the log records
+    // between first and last, 120 at 30 s and 60 at 60 s.
+    void insufficient_points_data() {
+        QTest::addColumn<int>("span");
+        QTest::addColumn<double>("interval");
+        QTest::addColumn<bool>("insufficient");
+        QTest::newRow("119 at 30 s") << 119 << 30.0 << true;
+        QTest::newRow("120 at 30 s") << 120 << 30.0 << false;
+        QTest::newRow("59 at 60 s") << 59 << 60.0 << true;
+        QTest::newRow("60 at 60 s") << 60 << 60.0 << false;
+        QTest::newRow("119 at 60 s") << 119 << 60.0 << false;
+        QTest::newRow("other intervals never") << 10 << 45.0 << false;
+    }
+    void insufficient_points() {
+        QFETCH(int, span);
+        QFETCH(double, interval);
+        QFETCH(bool, insufficient);
+        const TrumpetResult r = graph_trumpet(steady_120(span, 0, 120), {interval, 0, std::int16_t(span + 10)});
+        QVERIFY(r.ok());
+        QCOMPARE(r.insufficient_points, insufficient);
+    }
+
+    // Cases where the run cannot go on end with a reason, not a fault.
+    void abandoned_data() {
+        QTest::addColumn<int>("records");
+        QTest::addColumn<double>("interval");
+        QTest::addColumn<double>("last_avg");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("one record") << 1 << 60.0 << 0.0 << "The log holds too few records; trumpet computation cancelled";
+        QTest::newRow("interval not a number") << 20 << double(NAN) << 0.0
+                                               << "The interpolation interval is not a number; trumpet computation cancelled";
+        // The last record's corrected time is minute 1 while the others run
+        // to minute 19: the points outgrow the room sized from minute 1.
+        QTest::newRow("corrected times fall back") << 20 << 60.0 << 2280.0
+            << "More resampled points than the log's last corrected time allows; trumpet computation cancelled";
+        QTest::newRow("corrected time beyond a double") << 20 << 60.0 << 1e-308
+            << "A corrected time is out of range; trumpet computation cancelled";
+    }
+    void abandoned() {
+        QFETCH(int, records);
+        QFETCH(double, interval);
+        QFETCH(double, last_avg);
+        QFETCH(QString, error);
+        const TrumpetResult r = graph_trumpet(steady_120(records - 1, last_avg, 100), {interval, 0, 30});
+        QVERIFY(!r.ok());
+        QCOMPARE(QString::fromStdString(r.error), error);
+    }
+
+    void series_of_unequal_length_are_refused() {
+        LogSeries s = steady_120(10, 110, 100);
+        s.graph_volume.pop_back();
+        QVERIFY(!graph_trumpet(s, {60, 0, 5}).ok());
+    }
+
+    // A computation object kept between runs gives what a fresh one gives.
+    void runs_start_afresh() {
+        TrumpetComputation c;
+        QVERIFY(c.run(steady_120(200, 130, 100), {30, 0, 150}).ok());
+        const LogSeries small = steady_120(40, 110, 100);
+        const TrumpetResult again = c.run(small, {60, 0, 30});
+        const TrumpetResult fresh = graph_trumpet(small, {60, 0, 30});
+        QCOMPARE(flat(again.trumpet_table), flat(fresh.trumpet_table));
+        QCOMPARE(again.trumpet_point_count, fresh.trumpet_point_count);
+    }
+};
+
+QTEST_APPLESS_MAIN(tst_trumpet_compute)
+#include "tst_trumpet_compute.moc"
