@@ -1,0 +1,176 @@
+#include "acquisition/logformat.h"
+
+#include "common/text.h"
+#include "reports/header_replace.h"
+
+namespace kyt {
+
+namespace {
+
+constexpr std::size_t indent = 9;
+
+std::string line(std::string_view text) { return std::string(text) + std::string(CRLF); }
+
+std::string indented(std::size_t blanks, std::string_view text) { return line(spaces(blanks) + std::string(text)); }
+
+std::string page_mark(int page) { return indented(67, "p. " + format_picture(page, "00")); }
+
+// Line 21 of the head. The occlusion log shows the rate and the volume only
+// when both are given, and both blanks otherwise: a filled value alone is
+// lost there, and the log has always looked so.
+std::string rate_and_volume(LogKind kind, const ReportRec& rec) {
+    const bool keep = kind == LogKind::single_rate || (!rec.set_rates.empty() && !rec.vtbi.empty());
+    const std::string rate = keep ? "Set Rate(s): " + fit_field(rec.set_rates, 13) : "Set Rate(s): _____________";
+    const std::string volume = keep ? "VTBI: " + fit_field(rec.vtbi, 20) : "VTBI: ____________________";
+    return rate + " ml/h  " + volume + " ml";
+}
+
+}  // namespace
+
+std::string fit_field(std::string_view value, std::size_t width) {
+    return replace_underlined_field(std::string(width, '_'), value);
+}
+
+std::string format_by_size(double v) {
+    if (v < 10) return format_picture(v, "0.000");
+    if (v < 100) return format_picture(v, "00.00");
+    if (v < 1000) return format_picture(v, "000.0");
+    return format_picture(v, "0000");
+}
+
+std::string log_head(LogKind kind, const ReportRec& rec, char channel, const CivilTime& now) {
+    const bool single = kind == LogKind::single_rate;
+    std::string s;
+    s += line("");
+    s += line("");
+    s += page_mark(1);
+    s += line("");
+    s += indented(33, "MAROVANT 4500-K");
+    s += indented(31, "Corvane Systems Inc.");
+    s += line("");
+    s += indented(36, "DATA LOG");
+    s += line("");
+    s += indented(indent, "Start of Test - Date: " + format_date(now, "mmm d yyyy"));
+    s += indented(23, "- Time: " + format_date(now, "hh:mm"));
+    s += line("");
+    s += indented(indent, "Infusion Device Information:");
+    s += line("");
+    s += indented(indent, "Manufacturer: " + fit_field(rec.manufacturer, 18) + " Model: " + fit_field(rec.model, 22));
+    s += line("");
+    s += indented(indent, "Serial No.: " + fit_field(rec.serial_no, 20) + " Control No.: " + fit_field(rec.control_no, 16));
+    s += line("");
+    s += indented(indent, "Department: " + fit_field(rec.department, 20) + " Location: " + fit_field(rec.location, 19));
+    s += line("");
+    s += indented(indent, rate_and_volume(kind, rec));
+    s += line("");
+    s += indented(indent, "Comment(s): " + fit_field(rec.comment, 50));
+    s += line("");
+    s += line("");
+    s += indented(indent, "Channel: " + std::string(1, channel));
+    s += line("");
+    if (single) {
+        s += indented(indent, "SINGLE RATE TEST");
+        s += line("");
+        s += indented(indent, "Elapsed   Flow  Avg Flow  Volume  B.Pres");
+        s += indented(indent, "  Time    (ml/h)  (ml/h)    (ml)  (mmHg)");
+    } else {
+        s += indented(indent, "OCCLUSION PRESSURE TEST");
+        s += line("");
+        s += indented(12, "Elasped Time       Occlusion Pressure");
+        s += indented(12, "                     (psi)     (mmHg)");
+    }
+    return s;
+}
+
+std::string continuation_head(LogKind kind, int page) {
+    std::string s = line(std::string(1, FF)) + line("") + page_mark(page) + line("");
+    if (kind == LogKind::single_rate) {
+        s += indented(indent, "Elasped   Flow  Avg Flow  Volume  B.Pres");
+        s += indented(indent, " Time    (ml/h)  (ml/h)    (ml)   (mmHg)");
+    } else {
+        s += indented(12, "Elasped Time Occl");
+        s += indented(12, "             (psi) (mmHg) (kPa)");
+    }
+    return s;
+}
+
+std::string single_rate_row(const SingleRateRow& r) {
+    return indented(indent, format_picture(r.hours, "00") + ":" + format_picture(r.minutes, "00") + ":" +
+                                format_picture(r.seconds, "00") + spaces(2) + format_by_size(r.flow) + spaces(3) +
+                                format_by_size(r.avg_flow) + spaces(4) + format_by_size(r.volume) + spaces(5) +
+                                general_number(r.pressure));
+}
+
+std::string occlusion_row(const OcclusionRow& r) {
+    return indented(16, format_picture(r.minutes, "00") + ":" + format_picture(r.seconds, "00") + spaces(12) +
+                            format_picture(r.psi, "00.00") + spaces(6) + format_picture(r.mmhg, "000"));
+}
+
+std::string log_close(const ReportRec& rec, bool header_entered) {
+    std::string s = line("") + indented(indent, "END OF DATA") + line("");
+    if (!header_entered) return s;
+    if (!rec.pump_type.empty())
+        s += indented(indent, "PumpType: " + fit_field(rec.pump_type, 22) + " Pump Tolerance(+/- %): " +
+                                  fit_field(rec.pump_tolerance, 6));
+    s += line("");
+    if (!rec.technician.empty())
+        s += indented(indent, "Technician: " + fit_field(rec.technician, 20) + " Signature:___________________");
+    else
+        s += indented(indent, "Technician:_____________________ Signature:___________________");
+    return s;
+}
+
+std::string DataLog::head(const ReportRec& rec, char channel, const CivilTime& now) {
+    page_number_ = 1;
+    line_count_ = 27;
+    return log_head(kind_, rec, channel, now);
+}
+
+std::string DataLog::count_row() {
+    const int limit = kind_ == LogKind::single_rate ? 56 : 55;
+    if (++line_count_ <= limit) return {};
+    line_count_ = 6;
+    return continuation_head(kind_, ++page_number_);
+}
+
+bool LogFile::open(const std::string& path) {
+    out_.close();
+    out_.clear();
+    out_.open(path, std::ios::binary | std::ios::out | std::ios::trunc);
+    return out_.is_open();
+}
+
+bool LogFile::write(std::string_view piece) {
+    if (!out_.is_open()) return false;
+    out_.write(piece.data(), static_cast<std::streamsize>(piece.size()));
+    out_.flush();
+    return static_cast<bool>(out_);
+}
+
+std::string cut_at_tech(std::string text) {
+    const std::size_t p = find1(text, "Tech");
+    if (p > 0) text.resize(p > 10 ? p - 10 : 0);
+    return text;
+}
+
+std::string summary_file_text(std::string collected, const ReportRec& rec, bool header_entered,
+                              char download_mode) {
+    std::string text = cut_at_tech(std::move(collected));
+    if (header_entered) {
+        const std::string tech = fit_field(rec.technician, 21);
+        const std::string pump = fit_field(rec.pump_type, 23);
+        const std::string tolerance = fit_field(rec.pump_tolerance, 6);
+        if (!rec.pump_type.empty())
+            text += std::string(CRLF) + "        PumpType: " + pump + " Pump Tolerance(+/- %): " + tolerance +
+                    std::string(CRLF);
+        if (!rec.technician.empty())
+            text += std::string(CRLF) + "        Technician: " + tech + " Signature:___________________";
+        else
+            text += std::string(CRLF) + "        Technician:______________________ Signature:___________________" +
+                    std::string(CRLF);
+        text = replace_header(std::move(text), rec, download_mode);
+    }
+    return text + std::string(CRLF);
+}
+
+}  // namespace kyt

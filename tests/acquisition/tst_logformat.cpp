@@ -1,0 +1,302 @@
+#include <QtTest>
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "acquisition/logformat.h"
+#include "common/text.h"
+#include "reports/file_text.h"
+#include "reports/test_data.h"
+
+using namespace kyt;
+
+namespace {
+
+const CivilTime test_time{2026, 11, 3, 9, 5, 7, 2};
+
+
+// The line of a text by its 1-based number, without its CR LF.
+std::string line_of(const std::string& text, int number) {
+    const auto lines = split_lines(text);
+    return number >= 1 && number <= int(lines.size()) ? lines[number - 1] : std::string("<none>");
+}
+
+// 1-based numbers of the rows before which a continuation head stands.
+QList<int> rows_opening_pages(DataLog& log, int rows) {
+    QList<int> opening;
+    for (int i = 1; i <= rows; ++i) {
+        const std::string piece = log.kind() == LogKind::single_rate
+                                      ? static_cast<SingleRateLog&>(log).row({0, 0, i % 60, 100, 100, 1, 3})
+                                      : static_cast<OcclusionLog&>(log).row({0, i % 60, 1, 50});
+        if (piece.front() == FF) opening << i;
+    }
+    return opening;
+}
+
+// The record of the golden logs.
+ReportRec golden_record() {
+    ReportRec r;
+    r.manufacturer = "Northfield Infusion Systems Ltd";
+    r.model = "VP-7";
+    r.serial_no = "000123456789";
+    r.control_no = "CTL-0042";
+    r.department = "Biomedical Eng.";
+    r.location = "Bench 2";
+    r.set_rates = "100";
+    r.comment = "Annual check";
+    r.pump_type = "Large volume";
+    r.pump_tolerance = "5";
+    return r;
+}
+
+}  // namespace
+
+class tst_logformat : public QObject {
+    Q_OBJECT
+private slots:
+    void head_columns_data() {
+        QTest::addColumn<QString>("value");
+        QTest::newRow("empty record") << "";
+        QTest::newRow("overlong record") << "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
+        QTest::newRow("short values") << "x";
+    }
+    void head_columns() {
+        QFETCH(QString, value);
+        const std::string v = value.toStdString();
+        const ReportRec rec{v, v, v, v, v, v, v, v, v, v, v, v};
+        for (LogKind kind : {LogKind::single_rate, LogKind::occlusion}) {
+            const std::string head = log_head(kind, rec, 'A', test_time);
+            QCOMPARE(split_lines(head).size(), std::size_t(31));
+            QVERIFY(ends_with(head, CRLF));
+            for (int n : {15, 17, 19, 21, 23}) QCOMPARE(line_of(head, n).size(), std::size_t(71));
+            // Each value column starts where the layout puts it, and holds the
+            // value's start or the blank.
+            const char first = v.empty() ? '_' : v[0];
+            QCOMPARE(line_of(head, 15)[23], first);
+            QCOMPARE(line_of(head, 15)[49], first);
+            QCOMPARE(line_of(head, 17)[21], first);
+            QCOMPARE(line_of(head, 17)[55], first);
+            QCOMPARE(line_of(head, 19)[21], first);
+            QCOMPARE(line_of(head, 19)[52], first);
+            QCOMPARE(line_of(head, 23)[21], first);
+            QCOMPARE(line_of(head, 21).substr(35, 7), std::string(" ml/h  "));
+            QCOMPARE(line_of(head, 21).substr(68), std::string(" ml"));
+        }
+    }
+
+    void rate_and_volume_line_data() {
+        QTest::addColumn<bool>("occlusion");
+        QTest::addColumn<QString>("rate");
+        QTest::addColumn<QString>("volume");
+        QTest::addColumn<QString>("expected");
+        const QString both = "Set Rate(s): 100__________ ml/h  VTBI: 250_________________ ml";
+        const QString rate_only = "Set Rate(s): 100__________ ml/h  VTBI: ____________________ ml";
+        const QString volume_only = "Set Rate(s): _____________ ml/h  VTBI: 250_________________ ml";
+        const QString blanks = "Set Rate(s): _____________ ml/h  VTBI: ____________________ ml";
+        QTest::newRow("single, both") << false << "100" << "250" << both;
+        QTest::newRow("single, rate only") << false << "100" << "" << rate_only;
+        QTest::newRow("single, volume only") << false << "" << "250" << volume_only;
+        QTest::newRow("single, none") << false << "" << "" << blanks;
+        QTest::newRow("occlusion, both") << true << "100" << "250" << both;
+        QTest::newRow("occlusion, rate only loses it") << true << "100" << "" << blanks;
+        QTest::newRow("occlusion, volume only loses it") << true << "" << "250" << blanks;
+        QTest::newRow("occlusion, none") << true << "" << "" << blanks;
+    }
+    void rate_and_volume_line() {
+        QFETCH(bool, occlusion);
+        QFETCH(QString, rate);
+        QFETCH(QString, volume);
+        QFETCH(QString, expected);
+        ReportRec rec;
+        rec.set_rates = rate.toStdString();
+        rec.vtbi = volume.toStdString();
+        const std::string head = log_head(occlusion ? LogKind::occlusion : LogKind::single_rate, rec, 'A', test_time);
+        QCOMPARE(QString::fromStdString(line_of(head, 21)), "         " + expected);
+    }
+
+    void size_rule_data() {
+        QTest::addColumn<double>("value");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("below 10") << 9.999 << "9.999";
+        QTest::newRow("ten") << 10.0 << "10.00";
+        QTest::newRow("rounds up to a hundred") << 99.999 << "100.00";
+        QTest::newRow("hundred") << 100.0 << "100.0";
+        QTest::newRow("999.96 takes six characters") << 999.96 << "1000.0";
+        QTest::newRow("thousand") << 1000.0 << "1000";
+        QTest::newRow("negative") << -0.5 << "-0.500";
+        QTest::newRow("below one") << 0.25 << "0.250";
+    }
+    void size_rule() {
+        QFETCH(double, value);
+        QFETCH(QString, expected);
+        QCOMPARE(QString::fromStdString(format_by_size(value)), expected);
+    }
+
+    void page_breaks_data() {
+        QTest::addColumn<bool>("occlusion");
+        QTest::addColumn<QList<int>>("expected");
+        QTest::newRow("single rate: 30th row, then every 51st") << false << QList<int>{30, 81, 132, 183};
+        QTest::newRow("occlusion: 29th row, then every 50th") << true << QList<int>{29, 79, 129, 179};
+    }
+    void page_breaks() {
+        QFETCH(bool, occlusion);
+        QFETCH(QList<int>, expected);
+        SingleRateLog single;
+        OcclusionLog occl;
+        DataLog& log = occlusion ? static_cast<DataLog&>(occl) : static_cast<DataLog&>(single);
+        log.head({}, 'A', test_time);
+        QCOMPARE(rows_opening_pages(log, 200), expected);
+        QCOMPARE(log.page_number(), expected.size() + 1);
+        // A new head starts the counting over.
+        log.head({}, 'A', test_time);
+        QCOMPARE(rows_opening_pages(log, expected.first()), QList<int>{expected.first()});
+    }
+
+    void page_marks_data() {
+        QTest::addColumn<int>("page");
+        QTest::addColumn<QString>("mark");
+        QTest::newRow("two") << 2 << "p. 02";
+        QTest::newRow("ninety-nine") << 99 << "p. 99";
+        QTest::newRow("a hundred has three digits") << 100 << "p. 100";
+    }
+    void page_marks() {
+        QFETCH(int, page);
+        QFETCH(QString, mark);
+        SingleRateLog log;
+        log.head({}, 'A', test_time);
+        std::string last;
+        while (log.page_number() < page) last = log.row({});
+        QCOMPARE(QString::fromStdString(line_of(last, 3)), QString(67, ' ') + mark);
+    }
+
+    // The closing lines of a log (9 blanks, technician through 20, 21
+    // underscores when empty) and of a summary (8 blanks, 21 and 22).
+    void closing_lines_data() {
+        QTest::addColumn<bool>("summary");
+        QTest::addColumn<QString>("technician");
+        QTest::addColumn<QString>("pump_type");
+        QTest::addColumn<bool>("header_entered");
+        QTest::addColumn<QString>("expected");
+        const QString end = "\r\n         END OF DATA\r\n\r\n";
+        QTest::newRow("log, empty technician")
+            << false << "" << "" << true
+            << end + "\r\n         Technician:_____________________ Signature:___________________\r\n";
+        QTest::newRow("log, technician and pump")
+            << false << "J. Doe" << "LVP" << true
+            << end + "         PumpType: LVP___________________ Pump Tolerance(+/- %): 2.5___\r\n\r\n"
+                     "         Technician: J. Doe______________ Signature:___________________\r\n";
+        QTest::newRow("log, no header entered") << false << "J. Doe" << "LVP" << false << end;
+        const QString text = "SUMMARY Comment:\r\n";
+        QTest::newRow("summary, empty technician")
+            << true << "" << "" << true
+            << text + "\r\n        Technician:______________________ Signature:___________________\r\n\r\n";
+        QTest::newRow("summary, named technician has no line end of its own")
+            << true << "J. Doe" << "" << true
+            << text + "\r\n        Technician: J. Doe_______________ Signature:___________________\r\n";
+        QTest::newRow("summary, pump type")
+            << true << "J. Doe" << "Syringe" << true
+            << text + "\r\n        PumpType: Syringe________________ Pump Tolerance(+/- %): 2.5___\r\n"
+                      "\r\n        Technician: J. Doe_______________ Signature:___________________\r\n";
+        QTest::newRow("summary, no header: only the print's line end")
+            << true << "J. Doe" << "Syringe" << false << text + "\r\n";
+    }
+    void closing_lines() {
+        QFETCH(bool, summary);
+        QFETCH(QString, technician);
+        QFETCH(QString, pump_type);
+        QFETCH(bool, header_entered);
+        QFETCH(QString, expected);
+        ReportRec rec;
+        rec.technician = technician.toStdString();
+        rec.pump_type = pump_type.toStdString();
+        rec.pump_tolerance = "2.5";  // without a pump type the tolerance is not shown
+        const std::string collected = "SUMMARY Comment:\r\n         Technician: ____\r\n";
+        const std::string out =
+            summary ? summary_file_text(collected, rec, header_entered, '3') : log_close(rec, header_entered);
+        QCOMPARE(QString::fromStdString(out), expected);
+    }
+
+    void tech_cut_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("10 characters before Tech") << "SUMMARY\r\nRate 100\r\n         Technician: ____\r\n\a"
+                                                   << "SUMMARY\r\nRate 100\r\n";
+        QTest::newRow("first Tech wins") << "SUMMARY 1234Tech\r\n          Technician" << "SUM";
+        QTest::newRow("Tech at 10 keeps nothing") << "123456789Technician" << "";
+        QTest::newRow("Tech before 10 keeps nothing") << "1234Tech" << "";
+        QTest::newRow("no Tech keeps all") << "SUMMARY\r\nRate 100\r\n\a" << "SUMMARY\r\nRate 100\r\n\a";
+        QTest::newRow("search is case-sensitive") << "SUMMARY\r\n technician" << "SUMMARY\r\n technician";
+    }
+    void tech_cut() {
+        QFETCH(QString, text);
+        QFETCH(QString, expected);
+        QCOMPARE(QString::fromStdString(cut_at_tech(text.toStdString())), expected);
+    }
+
+    void summary_golden() {
+        ReportRec rec{"Acme Pumps", "Volumat X", "SN-1", "C42", "ICU", "Ward 3", "100", "250", "checked", "", "LVP", "5"};
+        std::string collected = test_data("logs/analyser_summary.txt");
+        QVERIFY(ends_with(collected, "\a"));
+        collected.back() = '\r';  // the block with the character 7 leaves a line end in its place
+        collected += '\n';
+        QCOMPARE(summary_file_text(collected, rec, true, '3'), test_data("reports/summary.sum"));
+    }
+
+    void golden_logs_data() {
+        QTest::addColumn<bool>("occlusion");
+        QTest::addColumn<QString>("file");
+        QTest::newRow("single rate") << false << "logs/single_rate.log";
+        QTest::newRow("occlusion") << true << "logs/occlusion.log";
+    }
+    void golden_logs() {
+        QFETCH(bool, occlusion);
+        QFETCH(QString, file);
+        const ReportRec rec = golden_record();
+        std::string text;
+        if (occlusion) {
+            OcclusionLog log;
+            text = log.head(rec, 'D', test_time);
+            for (int i = 0; i < 35; ++i) text += log.row({i / 60, i % 60, i * 0.25, i * 12.93});
+            text += log.close(rec, true);
+        } else {
+            SingleRateLog log;
+            text = log.head(rec, 'C', test_time);
+            const double flows[] = {9.999, 10, 99.999, 999.96, 1000, 1234.5, -0.5, 0};
+            for (int i = 0; i < 85; ++i)
+                text += log.row({i / 3600, (i * 30 / 60) % 60, (i * 30) % 60, i < 8 ? flows[i] : 95 + i * 0.37,
+                                 99.5 + i * 0.01, i * 0.8325, i % 2 ? 12.5 : 3});
+            text += log.close(rec, true);
+        }
+        QCOMPARE(text, test_data(file.toStdString()));
+    }
+
+    // A test run killed while it logs keeps every row written before: each
+    // piece reaches the file as soon as it is written.
+    void killed_run_keeps_rows() {
+        const QString path = QDir::temp().filePath(QString("kyt-killed-%1.log").arg(getpid()));
+        const int rows = 40;
+        const pid_t child = fork();
+        QVERIFY(child >= 0);
+        if (child == 0) {
+            LogFile file;
+            SingleRateLog log;
+            if (!file.open(path.toStdString()) || !file.write(log.head({}, 'A', test_time))) _exit(1);
+            for (int i = 0; i < rows; ++i) file.write(log.row({0, 0, i, 100, 100, i * 0.1, 3}));
+            raise(SIGKILL);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        QVERIFY(WIFSIGNALED(status));
+        const auto text = read_text_file(path.toStdString());
+        QFile::remove(path);
+        QVERIFY(text.has_value());
+        SingleRateLog expected_log;
+        std::string expected = expected_log.head({}, 'A', test_time);
+        for (int i = 0; i < rows; ++i) expected += expected_log.row({0, 0, i, 100, 100, i * 0.1, 3});
+        QCOMPARE(*text, expected);
+    }
+};
+
+QTEST_APPLESS_MAIN(tst_logformat)
+#include "tst_logformat.moc"
