@@ -5,6 +5,7 @@
 #include "common/services.h"
 #include "common/shared_state.h"
 #include "link/global_comm.h"
+#include "link/protocol.h"
 #include "link/serial_line.h"
 #include "ui_frmTestPort.h"
 
@@ -49,7 +50,7 @@ void frmTestPort::Command1_Click() {
     GetDataTimer.start();
     try {
         services().serial->set_rthreshold(1);
-        services().serial->output("DLA3\r");
+        services().serial->output(command_test_pattern());
     } catch (const SerialError& e) {
         GetDataTimer.stop();
         tell_serial_error(e);

@@ -6,6 +6,7 @@
 #include "common/message_boxes.h"
 #include "common/services.h"
 #include "common/shared_state.h"
+#include "link/protocol.h"
 #include "link/serial_line.h"
 
 namespace kyt {
@@ -101,7 +102,7 @@ void stop_current_test() {
     wait_seconds(1);
     try {
         reset_comm_buffers();
-        line().output(std::string("ST") + shared().port.channel + "\r");
+        line().output(command_stop(shared().port.channel));
         line().input();
     } catch (const SerialError& e) {
         tell_serial_error(e);
@@ -110,14 +111,8 @@ void stop_current_test() {
 }
 
 void show_reply_error() {
-    const std::string& b = shared().port.comm_buffer;
-    if (b.size() != 2) return;
-    switch (b[0]) {
-        case '?': msg_box("Unsuccessful transmission, check all hardware connections and try again.", vbCritical, "ERROR"); break;
-        case 'e': msg_box("Test or Autosequence is not running", vbCritical, "ERROR"); break;
-        case 'n': msg_box("Current channel selected is not connected.", vbCritical, "ERROR"); break;
-        default: break;
-    }
+    const ReplyError e = classify_error_reply(shared().port.comm_buffer);
+    if (e != ReplyError::none) msg_box(reply_error_text(e), vbCritical, "ERROR");
 }
 
 void tell_serial_error(const SerialError& e) {

@@ -60,9 +60,11 @@ void QtSerialLine::set_rts_enable(bool on) {
 void QtSerialLine::pull() {
     if (!port_.isOpen()) return;
     port_.waitForReadyRead(0);
+    if (port_.error() == QSerialPort::TimeoutError) port_.clearError();  // nothing waiting is no fault
     // A device that went away (a USB adapter pulled, the analyser's end of a
     // pseudo-terminal closed) leaves the port useless: close it and say so.
-    if (port_.error() == QSerialPort::ResourceError) {
+    const auto error = port_.error();
+    if (error == QSerialPort::ResourceError || error == QSerialPort::ReadError) {
         const std::string why = ss(port_.errorString());
         port_.clearError();
         port_.close();

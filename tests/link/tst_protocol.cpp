@@ -32,8 +32,6 @@ private slots:
         QTest::newRow("attach") << bytes(command_attach_test('C', test_single_rate)) << QByteArray("GRC1\r");
         QTest::newRow("poll") << bytes(command_poll('B')) << QByteArray("GRB\r");
         QTest::newRow("fixed occlusion A") << bytes(command_start_occlusion_fixed('A')) << QByteArray("RTA4\r");
-        QTest::newRow("fixed occlusion B") << bytes(command_start_occlusion_fixed('B')) << QByteArray("RTB4\r");
-        QTest::newRow("fixed occlusion C") << bytes(command_start_occlusion_fixed('C')) << QByteArray("RTC4\r");
         QTest::newRow("fixed occlusion D") << bytes(command_start_occlusion_fixed('D')) << QByteArray("RTD4\r");
         QTest::newRow("fixed occlusion, no such channel") << bytes(command_start_occlusion_fixed('E')) << QByteArray();
     }
@@ -85,11 +83,6 @@ private slots:
         QCOMPARE(QString::fromLatin1(reply_error_text(error)), expected);
     }
 
-    void channel_access_box() {
-        QCOMPARE(QString::fromStdString(channel_access_error_text()),
-                 QStringLiteral("Channel data could not be accessed.\r\nPlease check all connections and retry."));
-    }
-
     void poll_reply_data() {
         QTest::addColumn<QByteArray>("raw");
         QTest::addColumn<QByteArray>("text");
@@ -116,26 +109,6 @@ private slots:
         QCOMPARE(bytes(r.text), text);
         QCOMPARE(r.is_data, is_data);
         QCOMPARE(r.error, error);
-    }
-
-    void split_fields_data() {
-        QTest::addColumn<QString>("reply");
-        QTest::addColumn<int>("count");
-        QTest::addColumn<QStringList>("fields");
-        QTest::newRow("comma kept, blanks after it dropped")
-            << "A,  1 ,2" << 4 << QStringList{"A,", "1 ,", "2", "2"};
-        QTest::newRow("no comma: whole text, trimmed, every field") << "42 " << 3 << QStringList{"42", "42", "42"};
-        QTest::newRow("more fields than asked") << "a,b,c,d" << 2 << QStringList{"a,", "b,"};
-        QTest::newRow("trailing comma leaves empty fields") << "a," << 3 << QStringList{"a,", "", ""};
-        QTest::newRow("empty fields") << ",,x" << 4 << QStringList{",", ",", "x", "x"};
-    }
-    void split_fields() {
-        QFETCH(QString, reply);
-        QFETCH(int, count);
-        QFETCH(QStringList, fields);
-        QStringList got;
-        for (const auto& f : split_reply_fields(reply.toStdString(), count)) got << QString::fromStdString(f);
-        QCOMPARE(got, fields);
     }
 
     void single_rate_data() {
@@ -226,25 +199,6 @@ private slots:
         QFETCH(QString, field);
         const std::string error = occlusion ? process_ot_data(text(reply)).error : process_rt_data(text(reply)).error;
         QVERIFY(QString::fromStdString(error).contains(field));
-    }
-
-    void stream_characters_data() {
-        QTest::addColumn<QByteArray>("block");
-        QTest::addColumn<bool>("ends");
-        QTest::addColumn<bool>("omitted");
-        QTest::newRow("plain line") << QByteArray("   Flow  12.5\r\n") << false << false;
-        QTest::newRow("end of a data log") << QByteArray("END OF DATA\x07") << true << false;
-        QTest::newRow("line left out") << QByteArray("\x05 x\r\n") << false << true;
-        QTest::newRow("both") << QByteArray("\x05\x07") << true << true;
-        QTest::newRow("other control characters") << QByteArray("\x06\x0C\x01") << false << false;
-    }
-    void stream_characters() {
-        QFETCH(QByteArray, block);
-        QFETCH(bool, ends);
-        QFETCH(bool, omitted);
-        QCOMPARE(ends_transfer(text(block)), ends);
-        QCOMPARE(is_omitted_line(text(block)), omitted);
-        QCOMPARE(is_plain_block(text(block)), !ends && !omitted);
     }
 };
 

@@ -1,0 +1,41 @@
+#pragma once
+// One running simulated analyser behind a link in a temporary folder, for the
+// tests that need an analyser at the other end of a real serial line.
+
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
+
+namespace kyt::test {
+
+inline QString sim_binary() {
+    return qEnvironmentVariable("KYT_BINARY_DIR") + "/tools/analyser-sim/kyt-analyser-sim";
+}
+
+class Sim {
+public:
+    explicit Sim(const QStringList& args) {
+        link = dir.path() + "/port";
+        process.start(sim_binary(), QStringList{"--link", link} + args);
+        if (!process.waitForStarted(5000)) return;
+        QElapsedTimer t;
+        t.start();
+        while (!process.canReadLine() && t.elapsed() < 5000) process.waitForReadyRead(100);
+        device = QString::fromLocal8Bit(process.readLine()).trimmed();
+    }
+    ~Sim() {
+        if (process.state() != QProcess::NotRunning) {
+            process.terminate();
+            process.waitForFinished(3000);
+        }
+    }
+    bool ready() const { return !device.isEmpty() && QFileInfo(link).symLinkTarget() == device; }
+
+    QTemporaryDir dir;
+    QProcess process;
+    QString link;
+    QString device;
+};
+
+}  // namespace kyt::test
