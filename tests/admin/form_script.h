@@ -1,0 +1,103 @@
+#pragma once
+// Drives a shown form the way an operator does, from a short script, so that
+// data-driven tests can say what was done in one column:
+//   "focus:NAME"  puts the focus on the widget of that objectName (text kept, not selected)
+//   "type:TEXT"   types into the widget that has the focus
+//   "enter", "tab", "backspace", "left"  one key into the widget with the focus
+//   "erase"       selects all the text of the focused field and deletes it
+//   "pick:N"      picks element N of the focused combo box from its list
+//   "click:NAME"  a mouse click on the button (the focus moves to it)
+//   "press:NAME"  the button's click without any change of focus
+// After each step pending events are served, so that a check that waits for
+// the focus to settle has run before the next step.
+
+#include <QtTest>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
+
+#include <string>
+
+#include "common/forms.h"
+#include "common/message_boxes.h"
+
+namespace kyt::test {
+
+inline void serve_events() {
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+}
+
+// Shows the form and makes it the active window, so that focus moves as it
+// does on a desktop.
+inline bool show_active(QWidget* form) {
+    form->show();
+    form->activateWindow();
+    const bool ok = QTest::qWaitForWindowActive(form);
+    serve_events();
+    return ok;
+}
+
+inline void flush_deletes() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+// A new instance of the form, shown and active.
+template <class F>
+F* open_fresh() {
+    forms::unload<F>();
+    flush_deletes();
+    F* f = forms::get<F>();
+    show_active(f);
+    return f;
+}
+
+inline void expect_box(const ScriptedMessageBoxes::Box& box, const std::string& text, int style,
+                       const std::string& title) {
+    QCOMPARE(box.text, text);
+    QCOMPARE(box.style, style);
+    QCOMPARE(box.title, title);
+}
+
+inline void run_script(QWidget* form, const QStringList& steps) {
+    for (const QString& step : steps) {
+        const QString verb = step.section(':', 0, 0);
+        const QString arg = step.section(':', 1);
+        QWidget* focus = QApplication::focusWidget();
+        if (verb == "focus") {
+            QWidget* w = form->findChild<QWidget*>(arg);
+            QVERIFY2(w, qPrintable("no widget " + arg));
+            w->setFocus(Qt::OtherFocusReason);
+        } else if (verb == "type") {
+            QVERIFY(focus);
+            QTest::keyClicks(focus, arg);
+        } else if (verb == "enter") {
+            QTest::keyClick(focus, Qt::Key_Return);
+        } else if (verb == "tab") {
+            QTest::keyClick(focus, Qt::Key_Tab);
+        } else if (verb == "backspace") {
+            QTest::keyClick(focus, Qt::Key_Backspace);
+        } else if (verb == "erase") {
+            QTest::keyClick(focus, Qt::Key_A, Qt::ControlModifier);
+            QTest::keyClick(focus, Qt::Key_Backspace);
+        } else if (verb == "left") {
+            QTest::keyClick(focus, Qt::Key_Left);
+        } else if (verb == "pick") {
+            auto* box = qobject_cast<QComboBox*>(focus);
+            QVERIFY(box);
+            box->setCurrentIndex(arg.toInt());
+        } else if (verb == "click" || verb == "press") {
+            auto* b = form->findChild<QAbstractButton*>(arg);
+            QVERIFY2(b, qPrintable("no button " + arg));
+            if (verb == "click") QTest::mouseClick(b, Qt::LeftButton);
+            else b->click();
+        } else {
+            QFAIL(qPrintable("unknown step " + step));
+        }
+        serve_events();
+    }
+}
+
+}  // namespace kyt::test
