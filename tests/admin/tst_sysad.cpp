@@ -22,7 +22,9 @@ std::string stored(test::TestServices& t, std::string_view key) {
     return t.settings->get_setting("kyt", "Startup", key, absent);
 }
 
+// The bytes on disk, once the store has written what it holds.
 QByteArray settings_file(test::TestServices& t) {
+    t.settings->flush();
     QFile f(t.settings->file_for("kyt"));
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }

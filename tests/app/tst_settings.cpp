@@ -74,6 +74,19 @@ private slots:
         QCOMPARE(store.get_setting("kyt", "Startup", "FIELD4MANDATORY", "absent"), std::string("absent"));
     }
 
+    void values_outlive_the_store() {
+        const QString folder = test::fresh_settings_folder();
+        {
+            IniSettingsStore first(folder);
+            first.save_setting("kyt", "Startup", "comm", "3");
+            first.save_setting("kyt", "Startup", "series", "D");
+            first.delete_setting("kyt", "Startup", "series");
+        }
+        IniSettingsStore next(folder);
+        QCOMPARE(next.get_setting("KYT", "STARTUP", "comm"), std::string("3"));
+        QCOMPARE(next.get_setting("kyt", "startup", "series", "absent"), std::string("absent"));
+    }
+
     void values_keep_their_text() {
         IniSettingsStore store(test::fresh_settings_folder());
         for (const std::string v : {"9600,N,8,1", " leading blank", "trailing blank ", "a=b;c", ""}) {

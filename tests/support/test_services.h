@@ -35,6 +35,8 @@ inline QString fresh_settings_folder() {
 
 inline TestServices install_test_services(bool fresh_store = true) {
     Services& s = services();
+    // The old store writes what it holds before the folder is emptied.
+    s.settings.reset();
     auto settings = std::make_unique<IniSettingsStore>(fresh_store ? fresh_settings_folder() : QString());
     auto serial = std::make_unique<FakeSerialLine>();
     auto boxes = std::make_unique<ScriptedMessageBoxes>();

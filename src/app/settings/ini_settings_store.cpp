@@ -36,6 +36,24 @@ Place locate(QSettings& s, std::string_view section, std::string_view key) {
 
 IniSettingsStore::IniSettingsStore(QString folder) : folder_(folder.isEmpty() ? default_folder() : folder) {}
 
+IniSettingsStore::~IniSettingsStore() { flush(); }
+
+void IniSettingsStore::flush() {
+    for (auto& [name, settings] : files_) settings->sync();
+}
+
+// One QSettings a file, kept: QSettings writes its changes back once per turn
+// of the event loop, so a form that saves many keys costs one write.
+QSettings& IniSettingsStore::file(std::string_view app) {
+    const QString name = file_for(app);
+    auto& slot = files_[name];
+    if (!slot) {
+        QDir().mkpath(folder_);
+        slot = std::make_unique<QSettings>(name, QSettings::IniFormat);
+    }
+    return *slot;
+}
+
 QString IniSettingsStore::default_folder() {
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/kyt-console";
 }
@@ -46,7 +64,7 @@ QString IniSettingsStore::file_for(std::string_view app) const {
 
 std::string IniSettingsStore::get_setting(std::string_view app, std::string_view section, std::string_view key,
                                           std::string_view default_value) {
-    QSettings s(file_for(app), QSettings::IniFormat);
+    QSettings& s = file(app);
     const Place p = locate(s, section, key);
     const QVariant v = s.value(p.group + "/" + p.key);
     if (!v.isValid()) return std::string(default_value);
@@ -57,18 +75,15 @@ std::string IniSettingsStore::get_setting(std::string_view app, std::string_view
 
 void IniSettingsStore::save_setting(std::string_view app, std::string_view section, std::string_view key,
                                     std::string_view value) {
-    QDir().mkpath(folder_);
-    QSettings s(file_for(app), QSettings::IniFormat);
+    QSettings& s = file(app);
     const Place p = locate(s, section, key);
     s.setValue(p.group + "/" + p.key, qs(value));
-    s.sync();
 }
 
 void IniSettingsStore::delete_setting(std::string_view app, std::string_view section, std::string_view key) {
-    QSettings s(file_for(app), QSettings::IniFormat);
+    QSettings& s = file(app);
     const Place p = locate(s, section, key);
     s.remove(p.group + "/" + p.key);
-    s.sync();
 }
 
 }  // namespace kyt

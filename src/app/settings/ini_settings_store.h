@@ -4,7 +4,10 @@
 // keys are found without regard to case and keep the spelling they were first
 // written with.
 
+#include <QSettings>
 #include <QString>
+#include <map>
+#include <memory>
 
 #include "app/settings/settings_store.h"
 
@@ -14,6 +17,7 @@ class IniSettingsStore final : public SettingsStore {
 public:
     // folder: where the INI files lie; empty for the per-user default.
     explicit IniSettingsStore(QString folder = {});
+    ~IniSettingsStore() override;
 
     std::string get_setting(std::string_view app, std::string_view section, std::string_view key,
                             std::string_view default_value = {}) override;
@@ -24,8 +28,14 @@ public:
     QString file_for(std::string_view app) const;
     static QString default_folder();
 
+    // Writes what is pending to disk now. Without it the file follows at the
+    // next turn of the event loop, once for a whole batch of writes.
+    void flush();
+
 private:
+    QSettings& file(std::string_view app);
     QString folder_;
+    std::map<QString, std::unique_ptr<QSettings>> files_;
 };
 
 }  // namespace kyt
