@@ -12,23 +12,23 @@
 
 #include "common/numbers.h"
 #include "common/report_rec.h"
-#include "reports/box_message.h"
+#include "common/box_message.h"
 
 namespace kyt {
 
 enum class LogKind { single_rate, occlusion };
 
 // What the writers tell when a log or a summary cannot be written.
-inline constexpr BoxMessage rt_log_cancelled{"Logging real-time data to file CANCELLED", "CANCEL", box_exclamation};
-inline constexpr BoxMessage ot_log_cancelled{"Logging occlusion data to file CANCELLED", "CANCEL", box_exclamation};
-inline constexpr BoxMessage rt_log_bad_name{"Bad file name for real-time data", "INVALID FILE NAME", box_exclamation};
-inline constexpr BoxMessage ot_log_write_error{"Error writing occlusion data", "FILE ACCESS ERROR", box_exclamation};
-inline constexpr BoxMessage rt_summary_write_error{"Error writing real-time summary", "FILE ACCESS ERROR",
+inline const BoxMessage rt_log_cancelled{"Logging real-time data to file CANCELLED", "CANCEL", box_exclamation};
+inline const BoxMessage ot_log_cancelled{"Logging occlusion data to file CANCELLED", "CANCEL", box_exclamation};
+inline const BoxMessage rt_log_bad_name{"Bad file name for real-time data", "INVALID FILE NAME", box_exclamation};
+inline const BoxMessage ot_log_write_error{"Error writing occlusion data", "FILE ACCESS ERROR", box_exclamation};
+inline const BoxMessage rt_summary_write_error{"Error writing real-time summary", "FILE ACCESS ERROR",
                                                    box_exclamation};
-inline constexpr BoxMessage ot_summary_write_error{"Error writing occlusion summary", "FILE ACCESS ERROR",
+inline const BoxMessage ot_summary_write_error{"Error writing occlusion summary", "FILE ACCESS ERROR",
                                                    box_exclamation};
 // Told by the name test that stands beside the head writers, for a summary.
-inline constexpr BoxMessage summary_bad_name{"Bad file name for real-time summary data", "INVALID FILE NAME",
+inline const BoxMessage summary_bad_name{"Bad file name for real-time summary data", "INVALID FILE NAME",
                                              box_exclamation};
 
 // One poll of a single-rate test, as the analyser reported it.

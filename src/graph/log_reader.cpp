@@ -42,11 +42,11 @@ constexpr std::string_view end_of_data = "END OF DATA";
 
 constexpr int fields_per_record = 5;
 
-GraphMessage error_box(std::string text) { return {std::move(text), "ERROR", GraphMessage::critical}; }
+BoxMessage error_box(std::string text) { return {std::move(text), "ERROR", box_critical}; }
 
-GraphMessage open_error() { return error_box("Error opening LOG file for graphing, graphing cancelled"); }
+BoxMessage open_error() { return error_box("Error opening LOG file for graphing, graphing cancelled"); }
 
-GraphMessage line_error(std::string_view what, std::size_t line_number) {
+BoxMessage line_error(std::string_view what, std::size_t line_number) {
     return error_box(std::string(what) + " in line " + std::to_string(line_number) + "; graphing cancelled");
 }
 
@@ -113,7 +113,7 @@ void count_records(std::string_view text, LogReadResult& r) {
         for (const RefusedKind& kind : refused_kinds) {
             if (line.starts_with(kind.heading)) {
                 r.*kind.flag = true;
-                r.message = GraphMessage{std::string(kind.text), std::string(kind.title), GraphMessage::exclamation};
+                r.message = BoxMessage{std::string(kind.text), std::string(kind.title), box_exclamation};
                 r.graph_file_ok = false;
             }
         }
@@ -142,8 +142,8 @@ void count_records(std::string_view text, LogReadResult& r) {
     }
     if (s.graph_last_index < 3 && r.graph_file_ok) {
         s.graph_valid = false;
-        r.message = GraphMessage{"Insufficient number of Graph Points", "Insufficient Points",
-                                 GraphMessage::exclamation};
+        r.message = BoxMessage{"Insufficient number of Graph Points", "Insufficient Points",
+                                 box_exclamation};
     }
 }
 

@@ -13,20 +13,11 @@
 #include <string>
 #include <string_view>
 
+#include "common/box_message.h"
 #include "graph/log_series.h"
 
 namespace kyt {
 
-// A message box as the console shows it: text, title and style.
-struct GraphMessage {
-    static constexpr int critical = 16;     // "ERROR" boxes
-    static constexpr int exclamation = 48;  // warnings
-    std::string text;
-    std::string title;
-    int style = critical;
-
-    bool operator==(const GraphMessage&) const = default;
-};
 
 // The open dialog of the graph screen. After it closes the form hands the
 // folder to remember_save_dir, which keeps it as setting "savedir" of section
@@ -49,7 +40,7 @@ struct LogReadResult {
     LogSeries series;
 
     // The message to tell; empty exactly when the log was accepted.
-    std::optional<GraphMessage> message;
+    std::optional<BoxMessage> message;
 
     // False when the counting pass met a refused test kind or failed.
     bool graph_file_ok = false;

@@ -17,7 +17,7 @@
 
 #include "common/report_rec.h"
 #include "link/protocol.h"
-#include "reports/box_message.h"
+#include "common/box_message.h"
 
 namespace kyt {
 
@@ -28,8 +28,8 @@ inline constexpr std::string_view end_of_download_text = "                      
 // The file in the save folder that takes each finished transfer, and what
 // is told when it cannot be written and no other name is chosen.
 inline constexpr std::string_view tempfile_name = "tempfile.dat";
-inline constexpr BoxMessage tempfile_bad_name{"Bad report file name", "INVALID FILE NAME", box_exclamation};
-inline constexpr BoxMessage tempfile_save_cancelled{"Saving report cancelled.", "SAVE CANCEL", box_exclamation};
+inline const BoxMessage tempfile_bad_name{"Bad report file name", "INVALID FILE NAME", box_exclamation};
+inline const BoxMessage tempfile_save_cancelled{"Saving report cancelled.", "SAVE CANCEL", box_exclamation};
 
 // The edit text is kept about this short during a transfer.
 inline constexpr std::size_t capture_text_limit = 30000;

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "reports/box_message.h"
+#include "common/box_message.h"
 
 namespace kyt {
 
@@ -16,7 +16,7 @@ inline constexpr std::string_view csv_dialog_extension = "csv";
 inline constexpr std::string_view csv_dialog_filter = "Spreadsheet Files (*.log)| *.log|All files (*.*) | *.*";
 
 // Told when the dialog brings no name back.
-inline constexpr BoxMessage csv_cancelled{"Converting Log file to Spreadsheet format cancelled", "CANCEL",
+inline const BoxMessage csv_cancelled{"Converting Log file to Spreadsheet format cancelled", "CANCEL",
                                           box_exclamation};
 
 // One data line: each ":" becomes ",", and each run of blanks gives one comma

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "common/report_rec.h"
-#include "reports/box_message.h"
+#include "common/box_message.h"
 
 namespace kyt {
 

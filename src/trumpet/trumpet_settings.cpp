@@ -39,10 +39,10 @@ double as_decimal(float v) {
 
 }  // namespace
 
-std::optional<GraphMessage> check_trumpet_data(const LogSeries& series) {
+std::optional<BoxMessage> check_trumpet_data(const LogSeries& series) {
     const int n = series.graph_last_index;
     if (n < 0 || static_cast<std::size_t>(n) >= series.graph_time.size() || series.graph_time[n] < shortest_log)
-        return GraphMessage{"Insufficient data for Trumpet Graph", "Data Error", GraphMessage::exclamation};
+        return BoxMessage{"Insufficient data for Trumpet Graph", "Data Error", box_exclamation};
     return std::nullopt;
 }
 
@@ -66,11 +66,11 @@ TrumpSetLoad trumpset_load(double log_minutes) {
     } else {
         const int wanted = k >= 2 ? 2 : 1;
         if (wanted >= static_cast<int>(c.start_entries.size())) {
-            load.error = GraphMessage{"The trumpet settings cannot be set up for a log of " + general_number(L) +
+            load.error = BoxMessage{"The trumpet settings cannot be set up for a log of " + general_number(L) +
                                           " minutes: a log longer than 60 and at most 120 minutes has no start "
                                           "entry " +
                                           whole(wanted),
-                                      "ERROR", GraphMessage::critical};
+                                      "ERROR", box_critical};
         }
         c.start_selected = wanted;
         c.trumpet_start_time = minutes16(wanted * start_step);

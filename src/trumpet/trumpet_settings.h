@@ -25,7 +25,7 @@ inline constexpr int default_start_entry = 2;
 inline constexpr double default_button_minimum = 120;
 
 // Refuses a log with less than 60 minutes of data before the trumpet opens.
-std::optional<GraphMessage> check_trumpet_data(const LogSeries& series);
+std::optional<BoxMessage> check_trumpet_data(const LogSeries& series);
 
 // The start list and what selecting in it gives.
 struct StartChoice {
@@ -48,7 +48,7 @@ struct TrumpSetLoad {
     // Set when the load selects a start entry that the list does not have
     // (logs longer than 60 and at most 120 minutes); the form tells it and
     // the dialog does not open.
-    std::optional<GraphMessage> error;
+    std::optional<BoxMessage> error;
 };
 
 TrumpSetLoad trumpset_load(double log_minutes);

@@ -333,7 +333,7 @@ private slots:
         QFETCH(QString, path);
         const LogReadResult r = read_log_file(path.toStdString());
         QVERIFY(r.message && !r.graph_file_ok);
-        QCOMPARE(*r.message, (GraphMessage{"Error opening LOG file for graphing, graphing cancelled", "ERROR", 16}));
+        QCOMPARE(*r.message, (BoxMessage{"Error opening LOG file for graphing, graphing cancelled", "ERROR", 16}));
     }
 };
 

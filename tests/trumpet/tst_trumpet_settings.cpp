@@ -38,7 +38,7 @@ private slots:
         const auto m = check_trumpet_data(s);
         QCOMPARE(m.has_value(), refused);
         if (refused)
-            QCOMPARE(*m, (GraphMessage{"Insufficient data for Trumpet Graph", "Data Error", GraphMessage::exclamation}));
+            QCOMPARE(*m, (BoxMessage{"Insufficient data for Trumpet Graph", "Data Error", box_exclamation}));
     }
 
     // What the dialog holds when it opens on a log of L minutes.

@@ -84,7 +84,7 @@ std::optional<std::string> parse(const std::vector<std::string>& args, Options& 
     return std::nullopt;
 }
 
-int refuse(const kyt::GraphMessage& m) {
+int refuse(const kyt::BoxMessage& m) {
     std::fprintf(stderr, "%s\n", m.text.c_str());
     return 1;
 }

@@ -2,7 +2,7 @@
 // What a form shows in a message box: its text, title and style. The core
 // returns these as values and never shows anything itself.
 
-#include <string_view>
+#include <string>
 
 namespace kyt {
 
@@ -10,8 +10,8 @@ inline constexpr int box_critical = 16;     // stop sign, the "ERROR" boxes
 inline constexpr int box_exclamation = 48;  // warnings, "CANCEL" and "SUCCESS" boxes
 
 struct BoxMessage {
-    std::string_view text;
-    std::string_view title;
+    std::string text;
+    std::string title;
     int style = box_exclamation;
 
     bool operator==(const BoxMessage&) const = default;
