@@ -126,28 +126,24 @@ bool frmMain::event(QEvent* e) {
     return r;
 }
 
+// A live test form comes up centred with its poll timer running; the report
+// form and the other test form go.
+void frmMain::hand_over_to_test(const char* test_form, const char* other_test_form) {
+    forms::unload("frmReports");
+    forms::unload(other_test_form);
+    if (QWidget* f = forms::get(test_form)) {
+        center_form(f);
+        f->show();
+        if (isEnabled()) start_timer(f, "GetDataTimer");
+    }
+}
+
 void frmMain::Form_Activate() {
     const RunState& run = shared().run;
     // Each step runs again at every activation while its flag stays set, so
     // that a click on the main window during a test brings the test back.
-    if (run.rt_pending) {
-        forms::unload("frmReports");
-        forms::unload("frmOTGraph");
-        if (QWidget* f = forms::get("frmRTGraph")) {
-            center_form(f);
-            f->show();
-            if (isEnabled()) start_timer(f, "GetDataTimer");
-        }
-    }
-    if (run.ot_pending) {
-        forms::unload("frmReports");
-        forms::unload("frmRTGraph");
-        if (QWidget* f = forms::get("frmOTGraph")) {
-            center_form(f);
-            f->show();
-            if (isEnabled()) start_timer(f, "GetDataTimer");
-        }
-    }
+    if (run.rt_pending) hand_over_to_test("frmRTGraph", "frmOTGraph");
+    if (run.ot_pending) hand_over_to_test("frmOTGraph", "frmRTGraph");
     if (run.report_pending) {
         forms::unload("frmRTGraph");
         forms::unload("frmOTGraph");

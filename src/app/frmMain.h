@@ -42,6 +42,7 @@ private:
     void mnuSysAdmin_Click();
     void mnuExit_Click();
     void show_form(const char* name);
+    void hand_over_to_test(const char* test_form, const char* other_test_form);
     void unload_closing_list();
 
     Ui::frmMain* ui;
