@@ -288,8 +288,9 @@ private slots:
             QVERIFY(p.ok());
             elapsed = p.data.hours * 3600 + p.data.minutes * 60 + p.data.seconds;
             // The analyser's time lies between the poll and its answer, less
-            // what the start command took to arrive.
-            QVERIFY2(elapsed >= 600 * (sent - 0.25) - 1 && elapsed <= 600 * answered,
+            // what the start command took to arrive (up to a second on a
+            // busy machine).
+            QVERIFY2(elapsed >= 600 * (sent - 1.0) - 1 && elapsed <= 600 * answered,
                      qPrintable(QString("%1 s of test between %2 s and %3 s").arg(elapsed).arg(sent).arg(answered)));
         }
         QVERIFY(elapsed >= 3600);
