@@ -147,8 +147,8 @@ void frmHeader::cmdContinue_Click() {
     forms::unload<frmHeader>();
 }
 
-void frmHeader::cancel_header_save(bool& summary_header_open) {
-    summary_header_open = false;
+void frmHeader::cancel_header_save() {
+    shared().run.summary_header_open = false;
     msg_box("Saving file cancelled.", vbExclamation, "CANCEL");
     forms::unload<frmHeader>();
 }

@@ -36,7 +36,7 @@ public:
     void cmdContinue_Click();
     // Cancels the save the header was asked for. No control of the dialog
     // calls it; the close box does not.
-    void cancel_header_save(bool& summary_header_open);
+    void cancel_header_save();
 
     std::array<bool, kyt::kHeaderFieldCount> field_filled{};
     // Read by Continue and never set: the checks on them stay unreachable.

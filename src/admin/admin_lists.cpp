@@ -1,9 +1,6 @@
 #include "admin/admin_lists.h"
 
 #include <algorithm>
-#include <cctype>
-#include <cmath>
-#include <cstdlib>
 
 #include "common/numbers.h"
 
@@ -18,42 +15,6 @@ std::string element_key(int list, int n) {
     return std::string(kAdminLists[static_cast<std::size_t>(list)].stem) + std::to_string(n);
 }
 
-namespace {
-
-bool blank(char c) { return c == ' ' || c == '\t'; }
-bool digit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; }
-
-}  // namespace
-
-std::optional<double> numeric_value(std::string_view text) {
-    std::size_t i = 0;
-    const std::size_t n = text.size();
-    while (i < n && blank(text[i])) ++i;
-    std::string number;
-    if (i < n && (text[i] == '+' || text[i] == '-')) number += text[i++];
-    bool digits = false;
-    while (i < n && digit(text[i])) { number += text[i++]; digits = true; }
-    if (i < n && text[i] == '.') {
-        number += text[i++];
-        while (i < n && digit(text[i])) { number += text[i++]; digits = true; }
-    }
-    if (!digits) return std::nullopt;
-    if (i < n && (text[i] == 'E' || text[i] == 'e' || text[i] == 'D' || text[i] == 'd')) {
-        number += 'E';
-        ++i;
-        if (i < n && (text[i] == '+' || text[i] == '-')) number += text[i++];
-        bool exponent_digits = false;
-        while (i < n && digit(text[i])) { number += text[i++]; exponent_digits = true; }
-        if (!exponent_digits) return std::nullopt;
-    }
-    while (i < n && blank(text[i])) ++i;
-    if (i != n) return std::nullopt;
-    const double v = std::strtod(number.c_str(), nullptr);
-    if (!std::isfinite(v)) return std::nullopt;
-    return v;
-}
-
-bool is_numeric(std::string_view text) { return numeric_value(text).has_value(); }
 
 std::optional<std::int16_t> read_count(const StorePlace& at, std::string_view key) {
     return to_int16(leading_number(at.get(key, "0")));

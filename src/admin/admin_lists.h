@@ -18,6 +18,8 @@
 
 #include "app/settings/settings_store.h"
 
+#include "common/numbers.h"
+
 namespace kyt {
 
 struct AdminList {
@@ -72,13 +74,6 @@ std::string_view count_key_at(int slot);
 
 std::string element_key(int list, int n);
 
-// A numeric text as the platform's text-to-number conversion accepts it:
-// blanks around, a sign, digits with at most one decimal point and an
-// exponent ("E" or "D") with its own sign. An empty text, two numbers in one
-// text, and a value beyond the range of a double are not numeric.
-bool is_numeric(std::string_view text);
-// The value of a numeric text; empty when the text is not numeric.
-std::optional<double> numeric_value(std::string_view text);
 
 // One place in the store: the spelling of application and section differs
 // from caller to caller; the store compares them without regard to case.

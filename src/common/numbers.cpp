@@ -39,6 +39,43 @@ double read_radix(std::string_view s, int radix) {
 
 }  // namespace
 
+namespace {
+
+bool digit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; }
+
+// Reads a decimal number from position i on: sign, digits, point, digits,
+// and an exponent when it has digits. Returns the text read, empty when no
+// digit stood there; i ends behind what was read. A dangling exponent mark
+// is left unread, and `dangling` says so.
+std::string scan_decimal(std::string_view s, std::size_t& i, bool& dangling) {
+    std::string num;
+    if (i < s.size() && (s[i] == '+' || s[i] == '-')) num += s[i++];
+    bool digits = false;
+    while (i < s.size() && digit(s[i])) { num += s[i++]; digits = true; }
+    if (i < s.size() && s[i] == '.') {
+        num += s[i++];
+        while (i < s.size() && digit(s[i])) { num += s[i++]; digits = true; }
+    }
+    dangling = false;
+    if (!digits) return {};
+    if (i < s.size() && (s[i] == 'E' || s[i] == 'e' || s[i] == 'D' || s[i] == 'd')) {
+        std::size_t j = i + 1;
+        std::string exp = "e";
+        if (j < s.size() && (s[j] == '+' || s[j] == '-')) exp += s[j++];
+        bool exp_digits = false;
+        while (j < s.size() && digit(s[j])) { exp += s[j++]; exp_digits = true; }
+        if (exp_digits) {
+            num += exp;
+            i = j;
+        } else {
+            dangling = true;
+        }
+    }
+    return num;
+}
+
+}  // namespace
+
 double leading_number(std::string_view input) {
     const std::string s = squeeze(input);
     if (s.size() >= 2 && s[0] == '&') {
@@ -47,25 +84,26 @@ double leading_number(std::string_view input) {
         if (k == 'O') return read_radix(std::string_view(s).substr(2), 8);
     }
     std::size_t i = 0;
-    std::string num;
-    if (i < s.size() && (s[i] == '+' || s[i] == '-')) num += s[i++];
-    bool digits = false;
-    while (i < s.size() && std::isdigit(static_cast<unsigned char>(s[i]))) { num += s[i++]; digits = true; }
-    if (i < s.size() && s[i] == '.') {
-        num += s[i++];
-        while (i < s.size() && std::isdigit(static_cast<unsigned char>(s[i]))) { num += s[i++]; digits = true; }
-    }
-    if (!digits) return 0.0;
-    if (i < s.size() && (s[i] == 'E' || s[i] == 'e' || s[i] == 'D' || s[i] == 'd')) {
-        std::size_t j = i + 1;
-        std::string exp = "e";
-        if (j < s.size() && (s[j] == '+' || s[j] == '-')) exp += s[j++];
-        bool exp_digits = false;
-        while (j < s.size() && std::isdigit(static_cast<unsigned char>(s[j]))) { exp += s[j++]; exp_digits = true; }
-        if (exp_digits) num += exp;
-    }
-    return std::strtod(num.c_str(), nullptr);
+    bool dangling = false;
+    const std::string num = scan_decimal(s, i, dangling);
+    return num.empty() ? 0.0 : std::strtod(num.c_str(), nullptr);
 }
+
+std::optional<double> numeric_value(std::string_view text) {
+    const auto blank = [](char c) { return c == ' ' || c == '\t'; };
+    std::size_t i = 0;
+    while (i < text.size() && blank(text[i])) ++i;
+    bool dangling = false;
+    const std::string num = scan_decimal(text, i, dangling);
+    if (num.empty() || dangling) return std::nullopt;
+    while (i < text.size() && blank(text[i])) ++i;
+    if (i != text.size()) return std::nullopt;
+    const double v = std::strtod(num.c_str(), nullptr);
+    if (!std::isfinite(v)) return std::nullopt;
+    return v;
+}
+
+bool is_numeric(std::string_view text) { return numeric_value(text).has_value(); }
 
 double round_half_even(double v) {
     if (!std::isfinite(v)) return v;

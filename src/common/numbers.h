@@ -15,6 +15,14 @@ namespace kyt {
 // octal. A text with no leading number is 0.
 double leading_number(std::string_view s);
 
+// A numeric text as the platform's text-to-number conversion accepts it:
+// blanks around, a sign, digits with at most one decimal point and an
+// exponent ("E" or "D") with its own sign. An empty text, two numbers in one
+// text, and a value beyond the range of a double are not numeric.
+bool is_numeric(std::string_view text);
+// The value of a numeric text; empty when the text is not numeric.
+std::optional<double> numeric_value(std::string_view text);
+
 // Rounds to the nearest whole number, halves to the even neighbour.
 double round_half_even(double v);
 

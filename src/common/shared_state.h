@@ -39,6 +39,7 @@ struct RunState {
     bool changes_unsaved = false;  // only read at exit; nothing arms it yet
     bool file_appended = false;
     bool log_file_wanted = false;  // chooses the filter order of the Save dialog
+    bool summary_header_open = false;
 };
 
 struct SharedState {
