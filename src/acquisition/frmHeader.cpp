@@ -87,7 +87,7 @@ void frmHeader::Form_Activate() {
         field_filled[static_cast<std::size_t>(field)] = !required;
     }
     for (std::string_view key : choices.unreadable_counts)
-        msg_box(unreadable_count_message(key), vbCritical, "ERROR");
+        msg_box(unreadable_count_message(key), box_critical, "ERROR");
 }
 
 void frmHeader::prepare_identifying_fields() {
@@ -104,7 +104,7 @@ void frmHeader::prepare_identifying_fields() {
 bool frmHeader::field_entered(int field) {
     SharedState& s = shared();
     const EntryOutcome r = check_entry(field, text_of(field), s.mandatory[static_cast<std::size_t>(field)]);
-    if (r.not_numeric) msg_box("Invalid entry, entry must be numeric.", vbCritical, "ERROR");
+    if (r.not_numeric) msg_box("Invalid entry, entry must be numeric.", box_critical, "ERROR");
     if (r.filled) field_filled[static_cast<std::size_t>(field)] = *r.filled;
     if (r.not_numeric) events->return_focus(control(field));
     if (r.set_rate) {
@@ -129,16 +129,16 @@ void frmHeader::cmdContinue_Click() {
     // A field left for this button is checked before the button acts.
     if (!events->settle()) return;
     if (!verifyMandatoryFields()) {
-        msg_box("One or more mandatory fields are empty.\r\nPlease fill in all mandatory fields.", vbExclamation,
+        msg_box("One or more mandatory fields are empty.\r\nPlease fill in all mandatory fields.", box_exclamation,
                 "Mandatory Field Error");
         return;
     }
     if (serial_required && ui->txtSerialNo->text().isEmpty()) {
-        msg_box("Serial number required,\r\nplease retry.", vbExclamation, "Confirmation Error");
+        msg_box("Serial number required,\r\nplease retry.", box_exclamation, "Confirmation Error");
         return;
     }
     if (control_required && ui->txtControlNo->text().isEmpty()) {
-        msg_box("Control number required,\r\nplease retry.", vbExclamation, "Confirmation Error");
+        msg_box("Control number required,\r\nplease retry.", box_exclamation, "Confirmation Error");
         return;
     }
     load_report_rec();
@@ -149,6 +149,6 @@ void frmHeader::cmdContinue_Click() {
 
 void frmHeader::cancel_header_save() {
     shared().run.summary_header_open = false;
-    msg_box("Saving file cancelled.", vbExclamation, "CANCEL");
+    msg_box("Saving file cancelled.", box_exclamation, "CANCEL");
     forms::unload<frmHeader>();
 }

@@ -46,7 +46,7 @@ bool frmChgPassword::confirm_entry() {
     confirm_password = ss(ui->txtConfPassw->text());
     if (confirm_password != new_password) {
         ui->txtConfPassw->clear();
-        msg_box("Password entered is not confirmed,\r\nplease retry.", vbExclamation, "Confirmation Error");
+        msg_box("Password entered is not confirmed,\r\nplease retry.", box_exclamation, "Confirmation Error");
         return false;
     }
     password_confirmed = true;

@@ -39,7 +39,7 @@ void frmPassWord::txtPassword_Enter() {
         frmSysAd::show_form();
     } else {
         ui->txtPassword->clear();
-        msg_box("Incorrect Password Entered,\r\nTry Again.", vbExclamation, "Incorrect Password");
+        msg_box("Incorrect Password Entered,\r\nTry Again.", box_exclamation, "Incorrect Password");
     }
 }
 

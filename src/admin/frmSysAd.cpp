@@ -92,7 +92,7 @@ void frmSysAd::load_sys_admin() {
     }
     show_password_state();
     for (std::string_view key : stored.unreadable_counts)
-        msg_box(unreadable_count_message(key), vbCritical, "ERROR");
+        msg_box(unreadable_count_message(key), box_critical, "ERROR");
 }
 
 void frmSysAd::save_sys_admin() {
@@ -119,9 +119,9 @@ void frmSysAd::cmdAdd_Click() {
     QComboBox* box = cmbSysAdData[current_list];
     const std::string text = ss(box->currentText());
     if (!is_numeric(text) && kAdminLists[static_cast<std::size_t>(current_list)].numeric_only) {
-        msg_box("Invalid entry, entry must be numeric.", vbCritical, "ERROR");
+        msg_box("Invalid entry, entry must be numeric.", box_critical, "ERROR");
     } else if (count_of(current_list) == std::numeric_limits<std::int16_t>::max()) {
-        msg_box("The list is full: it holds " + std::to_string(count_of(current_list)) + " entries.", vbCritical,
+        msg_box("The list is full: it holds " + std::to_string(count_of(current_list)) + " entries.", box_critical,
                 "ERROR");
     } else {
         box->addItem(qs(text));

@@ -211,7 +211,7 @@ bool frmMain::exit_kyt() {
         answer = msg_box("You have not saved your changes to file.\rAre you sure you want to quit KYT?", 276, title);
     else
         answer = msg_box("Are you sure want to quit KYT?", 292, title);
-    if (answer != vbYes) return false;
+    if (answer != answer_yes) return false;
     const QString temp = qs(shared().dirs.save_dir) + QDir::separator() + "tempfile.dat";
     if (QFile::exists(temp)) QFile::remove(temp);
     return true;

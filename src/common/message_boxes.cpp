@@ -11,12 +11,12 @@ namespace kyt {
 
 std::vector<int> box_buttons(int style) {
     switch (style & 7) {
-        case vbOKCancel: return {vbOK, vbCancel};
-        case 2: return {vbAbort, vbRetry, vbIgnore};
-        case vbYesNoCancel: return {vbYes, vbNo, vbCancel};
-        case vbYesNo: return {vbYes, vbNo};
-        case vbRetryCancel: return {vbRetry, vbCancel};
-        default: return {vbOK};
+        case box_ok_cancel: return {answer_ok, answer_cancel};
+        case 2: return {answer_abort, answer_retry, answer_ignore};
+        case box_yes_no_cancel: return {answer_yes, answer_no, answer_cancel};
+        case box_yes_no: return {answer_yes, answer_no};
+        case box_retry_cancel: return {answer_retry, answer_cancel};
+        default: return {answer_ok};
     }
 }
 
@@ -31,10 +31,10 @@ int QtMessageBoxes::show(const std::string& text, int style, const std::string& 
     box.setWindowTitle(qs(title));
     box.setText(qs(text));
     switch (style & 0x70) {
-        case vbCritical: box.setIcon(QMessageBox::Critical); break;
-        case vbQuestion: box.setIcon(QMessageBox::Question); break;
-        case vbExclamation: box.setIcon(QMessageBox::Warning); break;
-        case vbInformation: box.setIcon(QMessageBox::Information); break;
+        case box_critical: box.setIcon(QMessageBox::Critical); break;
+        case box_question: box.setIcon(QMessageBox::Question); break;
+        case box_exclamation: box.setIcon(QMessageBox::Warning); break;
+        case box_information: box.setIcon(QMessageBox::Information); break;
         default: box.setIcon(QMessageBox::NoIcon); break;
     }
     struct Choice {
@@ -42,9 +42,9 @@ int QtMessageBoxes::show(const std::string& text, int style, const std::string& 
         QMessageBox::StandardButton button;
     };
     static const Choice choices[] = {
-        {vbOK, QMessageBox::Ok},       {vbCancel, QMessageBox::Cancel}, {vbAbort, QMessageBox::Abort},
-        {vbRetry, QMessageBox::Retry}, {vbIgnore, QMessageBox::Ignore}, {vbYes, QMessageBox::Yes},
-        {vbNo, QMessageBox::No},
+        {answer_ok, QMessageBox::Ok},       {answer_cancel, QMessageBox::Cancel}, {answer_abort, QMessageBox::Abort},
+        {answer_retry, QMessageBox::Retry}, {answer_ignore, QMessageBox::Ignore}, {answer_yes, QMessageBox::Yes},
+        {answer_no, QMessageBox::No},
     };
     const int wanted_default = box_default_answer(style);
     for (int answer : box_buttons(style)) {
@@ -61,7 +61,7 @@ int QtMessageBoxes::show(const std::string& text, int style, const std::string& 
     // Closed without a button: the answer Cancel where there is one, else the default.
     const auto buttons = box_buttons(style);
     for (int b : buttons)
-        if (b == vbCancel) return vbCancel;
+        if (b == answer_cancel) return answer_cancel;
     return wanted_default;
 }
 

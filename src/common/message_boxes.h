@@ -9,23 +9,20 @@
 #include <string>
 #include <vector>
 
+#include "common/box_message.h"
+
 namespace kyt {
 
-enum BoxStyle : int {
-    vbOKOnly = 0,
-    vbOKCancel = 1,
-    vbYesNoCancel = 3,
-    vbYesNo = 4,
-    vbRetryCancel = 5,
-    vbCritical = 16,
-    vbQuestion = 32,
-    vbExclamation = 48,
-    vbInformation = 64,
-    vbDefaultButton2 = 256,
-    vbDefaultButton3 = 512,
+// The button pressed.
+enum BoxAnswer : int {
+    answer_ok = 1,
+    answer_cancel = 2,
+    answer_abort = 3,
+    answer_retry = 4,
+    answer_ignore = 5,
+    answer_yes = 6,
+    answer_no = 7,
 };
-
-enum BoxAnswer : int { vbOK = 1, vbCancel = 2, vbAbort = 3, vbRetry = 4, vbIgnore = 5, vbYes = 6, vbNo = 7 };
 
 class MessageBoxes {
 public:

@@ -35,7 +35,7 @@ void scan_comm_ports() {
     if (!any_comm_port_free()) {
         msg_box("Sorry no comm ports available\r\rIf you wish to use a comm port with KYT, please close any other\r"
                 "programs that are using comm ports and restart KYT.",
-                vbCritical, "ERROR");
+                box_critical, "ERROR");
         if (frmMain* m = forms::loaded<frmMain>()) m->disable_port_menus();
     }
 }
@@ -91,7 +91,7 @@ void wait_seconds(float seconds) { kyt::wait_seconds(*services().clock, seconds)
 void show_comm_port_error() {
     msg_box("Current selected Comm port is not functioning properly.\r\r"
             "You may goto configuration to change comm ports settings.",
-            vbCritical, "ERROR");
+            box_critical, "ERROR");
 }
 
 void update_comm_caption() {
@@ -112,11 +112,11 @@ void stop_current_test() {
 
 void show_reply_error() {
     const ReplyError e = classify_error_reply(shared().port.comm_buffer);
-    if (e != ReplyError::none) msg_box(reply_error_text(e), vbCritical, "ERROR");
+    if (e != ReplyError::none) msg_box(reply_error_text(e), box_critical, "ERROR");
 }
 
 void tell_serial_error(const SerialError& e) {
-    msg_box(std::string("The serial line failed: ") + e.what(), vbCritical, "ERROR");
+    msg_box(std::string("The serial line failed: ") + e.what(), box_critical, "ERROR");
 }
 
 }  // namespace kyt

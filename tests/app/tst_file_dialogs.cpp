@@ -32,10 +32,10 @@ private slots:
         QCOMPARE(t.dialogs->requests.size(), std::size_t(1));
         const auto& r = t.dialogs->requests[0];
         QVERIFY(!r.save);
-        QCOMPARE(QString::fromStdString(r.dialog.Filter), filter);
-        QCOMPARE(QString::fromStdString(r.dialog.DefaultExt), ext);
-        QCOMPARE(r.dialog.Flags, 6156);
-        QCOMPARE(r.dialog.InitDir, std::string("/data/save"));
+        QCOMPARE(QString::fromStdString(r.dialog.filter), filter);
+        QCOMPARE(QString::fromStdString(r.dialog.default_ext), ext);
+        QCOMPARE(r.dialog.flags, 6156);
+        QCOMPARE(r.dialog.initial_dir, std::string("/data/save"));
         QVERIFY(shared().dirs.file_name.empty());
         QVERIFY(t.boxes->shown.empty());
     }
@@ -53,7 +53,7 @@ private slots:
         // The next dialog opens there.
         t.dialogs->queue("");
         show_open_dialog();
-        QCOMPARE(t.dialogs->requests.back().dialog.InitDir, ss(other.path()));
+        QCOMPARE(t.dialogs->requests.back().dialog.initial_dir, ss(other.path()));
     }
 
     void save_dialog_data() {
@@ -77,8 +77,8 @@ private slots:
         QCOMPARE(show_save_dialog(), name);
         const auto& r = t.dialogs->requests[0];
         QVERIFY(r.save);
-        QCOMPARE(QString::fromStdString(r.dialog.Filter), filter);
-        QCOMPARE(r.dialog.Flags, 2062);
+        QCOMPARE(QString::fromStdString(r.dialog.filter), filter);
+        QCOMPARE(r.dialog.flags, 2062);
         // The chosen name exists and is empty before anything is written to it.
         QCOMPARE(QFileInfo(QString::fromStdString(name)).size(), 0);
         QCOMPARE(shared().dirs.save_dir, ss(dir.path()));

@@ -148,10 +148,10 @@ private slots:
         QTest::addColumn<bool>("quits");
         const QString plain = "Are you sure want to quit KYT?";
         const QString unsaved = "You have not saved your changes to file.\rAre you sure you want to quit KYT?";
-        QTest::newRow("yes") << false << int(vbYes) << plain << 292 << true;
-        QTest::newRow("no") << false << int(vbNo) << plain << 292 << false;
-        QTest::newRow("unsaved, yes") << true << int(vbYes) << unsaved << 276 << true;
-        QTest::newRow("unsaved, no") << true << int(vbNo) << unsaved << 276 << false;
+        QTest::newRow("yes") << false << int(answer_yes) << plain << 292 << true;
+        QTest::newRow("no") << false << int(answer_no) << plain << 292 << false;
+        QTest::newRow("unsaved, yes") << true << int(answer_yes) << unsaved << 276 << true;
+        QTest::newRow("unsaved, no") << true << int(answer_no) << unsaved << 276 << false;
     }
     void exit_asks_and_removes_the_capture_file_on_yes_only() {
         QFETCH(bool, unsaved);
@@ -186,7 +186,7 @@ private slots:
         frmMain* m = fresh_main();
         m->show();
         for (const char* f : {"frmTestPort", "frmAbout", "frmChangePort", "frmSysAd"}) forms::get(f)->show();
-        t.boxes->answer(vbNo);
+        t.boxes->answer(answer_no);
         m->findChild<QAction*>("mnuExit")->trigger();
         flush_deletes();
         QVERIFY(forms::is_loaded<frmMain>());

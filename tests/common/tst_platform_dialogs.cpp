@@ -39,12 +39,12 @@ private slots:
         QTest::addColumn<QStringList>("buttons");
         QTest::addColumn<QString>("default_button");
         QTest::addColumn<int>("answer");
-        QTest::newRow("16 critical") << 16 << int(QMessageBox::Critical) << QStringList{"OK"} << "OK" << int(vbOK);
-        QTest::newRow("48 exclamation") << 48 << int(QMessageBox::Warning) << QStringList{"OK"} << "OK" << int(vbOK);
+        QTest::newRow("16 critical") << 16 << int(QMessageBox::Critical) << QStringList{"OK"} << "OK" << int(answer_ok);
+        QTest::newRow("48 exclamation") << 48 << int(QMessageBox::Warning) << QStringList{"OK"} << "OK" << int(answer_ok);
         QTest::newRow("292 question, No default") << 292 << int(QMessageBox::Question)
-                                                  << QStringList{"Yes", "No"} << "No" << int(vbNo);
+                                                  << QStringList{"Yes", "No"} << "No" << int(answer_no);
         QTest::newRow("276 critical, No default") << 276 << int(QMessageBox::Critical)
-                                                  << QStringList{"Yes", "No"} << "No" << int(vbNo);
+                                                  << QStringList{"Yes", "No"} << "No" << int(answer_no);
     }
     void message_box_styles() {
         QFETCH(int, style);
@@ -76,10 +76,10 @@ private slots:
 
     void scripted_boxes_answer_in_order() {
         ScriptedMessageBoxes boxes;
-        boxes.answer(vbYes);
-        QCOMPARE(boxes.show("a", 292, "T"), int(vbYes));
-        QCOMPARE(boxes.show("b", 292, "T"), int(vbNo));  // the default button of 292
-        QCOMPARE(boxes.show("c", 16, "T"), int(vbOK));
+        boxes.answer(answer_yes);
+        QCOMPARE(boxes.show("a", 292, "T"), int(answer_yes));
+        QCOMPARE(boxes.show("b", 292, "T"), int(answer_no));  // the default button of 292
+        QCOMPARE(boxes.show("c", 16, "T"), int(answer_ok));
         QCOMPARE(boxes.shown.size(), std::size_t(3));
     }
 
@@ -89,11 +89,11 @@ private slots:
         QVERIFY(f.open(QIODevice::WriteOnly));
         f.close();
         CommonDialog d;
-        d.DialogTitle = "OPEN LOG";
-        d.Filter = "Log Files (*.log)| *.log|All files (*.*) | *.*";
-        d.DefaultExt = "LOG";
-        d.InitDir = dir.path().toStdString();
-        d.Flags = 6156;
+        d.title = "OPEN LOG";
+        d.filter = "Log Files (*.log)| *.log|All files (*.*) | *.*";
+        d.default_ext = "LOG";
+        d.initial_dir = dir.path().toStdString();
+        d.flags = 6156;
         QFileDialog::FileMode mode{};
         QStringList filters;
         QString folder, title;
@@ -116,11 +116,11 @@ private slots:
     void save_dialog_behaviour() {
         QTemporaryDir dir;
         CommonDialog d;
-        d.DialogTitle = "GET LOG DATA";
-        d.Filter = "Log Files (*.log)| *.log|All files (*.*) | *.*";
-        d.DefaultExt = "LOG";
-        d.InitDir = dir.path().toStdString();
-        d.Flags = 2062;
+        d.title = "GET LOG DATA";
+        d.filter = "Log Files (*.log)| *.log|All files (*.*) | *.*";
+        d.default_ext = "LOG";
+        d.initial_dir = dir.path().toStdString();
+        d.flags = 2062;
         bool confirms = false;
         QFileDialog::AcceptMode accept{};
         when_shown<QFileDialog>([&](QFileDialog* dlg) {
@@ -138,7 +138,7 @@ private slots:
 
     void giving_up_returns_nothing() {
         CommonDialog d;
-        d.Flags = 2062;
+        d.flags = 2062;
         when_shown<QFileDialog>([](QFileDialog* dlg) { dlg->reject(); });
         QtFileDialogs dialogs;
         QCOMPARE(dialogs.show_save(d), std::string());

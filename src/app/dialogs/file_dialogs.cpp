@@ -39,25 +39,25 @@ QString filter_extension(const QString& name_filter) {
 }
 
 std::string run_dialog(const CommonDialog& d, bool save) {
-    QFileDialog dlg(QApplication::activeWindow(), qs(d.DialogTitle));
-    const QStringList filters = qt_name_filters(d.Filter);
+    QFileDialog dlg(QApplication::activeWindow(), qs(d.title));
+    const QStringList filters = qt_name_filters(d.filter);
     if (!filters.isEmpty()) dlg.setNameFilters(filters);
-    const QString dir = qs(d.InitDir);
+    const QString dir = qs(d.initial_dir);
     if (!dir.isEmpty()) dlg.setDirectory(dir);
-    if (!d.FileName.empty()) dlg.selectFile(qs(d.FileName));
+    if (!d.file_name.empty()) dlg.selectFile(qs(d.file_name));
     if (save) {
         dlg.setAcceptMode(QFileDialog::AcceptSave);
         dlg.setFileMode(QFileDialog::AnyFile);
-        if (!(d.Flags & cdlOFNOverwritePrompt)) dlg.setOption(QFileDialog::DontConfirmOverwrite, true);
+        if (!(d.flags & dlg_overwrite_prompt)) dlg.setOption(QFileDialog::DontConfirmOverwrite, true);
     } else {
         dlg.setAcceptMode(QFileDialog::AcceptOpen);
-        dlg.setFileMode((d.Flags & cdlOFNFileMustExist) ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+        dlg.setFileMode((d.flags & dlg_file_must_exist) ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     }
     // A name typed without an extension takes that of the chosen filter, or
     // the dialog's default extension when the filter is "all files".
     const auto suffix_for = [&](const QString& f) {
         const QString e = filter_extension(f);
-        return e.isEmpty() ? qs(d.DefaultExt).toLower() : e;
+        return e.isEmpty() ? qs(d.default_ext).toLower() : e;
     };
     dlg.setDefaultSuffix(suffix_for(filters.value(0)));
     QObject::connect(&dlg, &QFileDialog::filterSelected,
@@ -65,8 +65,8 @@ std::string run_dialog(const CommonDialog& d, bool save) {
     for (;;) {
         if (dlg.exec() != QDialog::Accepted || dlg.selectedFiles().isEmpty()) return {};
         const QString name = dlg.selectedFiles().constFirst();
-        if ((d.Flags & cdlOFNPathMustExist) && !QFileInfo(name).dir().exists()) continue;
-        if ((d.Flags & cdlOFNFileMustExist) && !QFileInfo::exists(name)) continue;
+        if ((d.flags & dlg_path_must_exist) && !QFileInfo(name).dir().exists()) continue;
+        if ((d.flags & dlg_file_must_exist) && !QFileInfo::exists(name)) continue;
         return ss(QDir::toNativeSeparators(name));
     }
 }

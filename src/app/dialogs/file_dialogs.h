@@ -1,7 +1,7 @@
 #pragma once
 // The common file dialog: title, filter, default extension, initial folder,
 // file name and flags, shown as Open or as Save. The filter is written as
-// "description|pattern|description|pattern...". Flags add up: 2 prompt before
+// "description|pattern|description|pattern...". flags add up: 2 prompt before
 // overwriting, 4 hide the read-only box, 8 keep the working folder, 2048 the
 // path must exist, 4096 the file must exist (6156 for Open, 2062 for Save).
 
@@ -16,20 +16,20 @@
 namespace kyt {
 
 enum FileDialogFlag : int {
-    cdlOFNOverwritePrompt = 2,
-    cdlOFNHideReadOnly = 4,
-    cdlOFNNoChangeDir = 8,
-    cdlOFNPathMustExist = 2048,
-    cdlOFNFileMustExist = 4096,
+    dlg_overwrite_prompt = 2,
+    dlg_hide_read_only = 4,
+    dlg_keep_folder = 8,
+    dlg_path_must_exist = 2048,
+    dlg_file_must_exist = 4096,
 };
 
 struct CommonDialog {
-    std::string DialogTitle;
-    std::string Filter;
-    std::string DefaultExt;
-    std::string InitDir;
-    std::string FileName;
-    int Flags = 0;
+    std::string title;
+    std::string filter;
+    std::string default_ext;
+    std::string initial_dir;
+    std::string file_name;
+    int flags = 0;
 };
 
 // The program's one common dialog (the main window's CommonDialog1).

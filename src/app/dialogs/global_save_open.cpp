@@ -14,8 +14,8 @@ namespace kyt {
 namespace {
 
 void set_filter(CommonDialog& d, bool log_first) {
-    d.Filter = log_first ? kLogFirstFilter : kSummaryFirstFilter;
-    d.DefaultExt = log_first ? "LOG" : "SUM";
+    d.filter = log_first ? kLogFirstFilter : kSummaryFirstFilter;
+    d.default_ext = log_first ? "LOG" : "SUM";
 }
 
 // The save folder becomes the name's folder, and the key follows it.
@@ -31,39 +31,39 @@ void remember(const std::string& name) {
 void show_open_dialog() {
     SharedState& s = shared();
     CommonDialog& d = common_dialog();
-    d.InitDir = s.dirs.save_dir;
+    d.initial_dir = s.dirs.save_dir;
     // A report text that matches "*LOG*" offers logs first.
     set_filter(d, contains(s.report_text, "LOG"));
-    d.FileName.clear();
-    d.Flags = 6156;
+    d.file_name.clear();
+    d.flags = 6156;
     try {
-        d.FileName = services().dialogs->show_open(d);
+        d.file_name = services().dialogs->show_open(d);
     } catch (const FileDialogError&) {
-        d.FileName.clear();
-        msg_box("Bad file name entered", vbExclamation, "BAD FILE NAME");
+        d.file_name.clear();
+        msg_box("Bad file name entered", box_exclamation, "BAD FILE NAME");
     }
-    s.dirs.file_name = d.FileName;
+    s.dirs.file_name = d.file_name;
     if (!s.dirs.file_name.empty()) remember(s.dirs.file_name);
 }
 
 std::string show_save_dialog() {
     SharedState& s = shared();
     CommonDialog& d = common_dialog();
-    d.InitDir = s.dirs.save_dir;
+    d.initial_dir = s.dirs.save_dir;
     set_filter(d, s.run.log_file_wanted);
-    d.FileName.clear();
-    d.Flags = 2062;
+    d.file_name.clear();
+    d.flags = 2062;
     std::string name;
     try {
         name = services().dialogs->show_save(d);
     } catch (const FileDialogError&) {
-        msg_box("Bad file name entered", vbExclamation, "BAD FILE NAME");
+        msg_box("Bad file name entered", box_exclamation, "BAD FILE NAME");
         return {};
     }
-    d.FileName = name;
+    d.file_name = name;
     if (!name.empty()) name = check_file_name(name);
     if (name.empty()) {
-        msg_box("Saving file cancelled", vbExclamation, "CANCEL SAVE");
+        msg_box("Saving file cancelled", box_exclamation, "CANCEL SAVE");
         return {};
     }
     remember(name);
@@ -73,7 +73,7 @@ std::string show_save_dialog() {
 std::string check_file_name(const std::string& name) {
     std::ofstream f(name, std::ios::out | std::ios::trunc | std::ios::binary);
     if (!f) {
-        msg_box("Bad file name", vbExclamation, "INVALID FILE NAME");
+        msg_box("Bad file name", box_exclamation, "INVALID FILE NAME");
         return {};
     }
     f.close();
