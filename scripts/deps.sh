@@ -17,7 +17,7 @@ kyt_install_missing() {
 # What building the console needs.
 KYT_BUILD_PACKAGES=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools qt6-serialport-dev
     libqt6serialport6 libqcustomplot-dev libgif-dev libuemf-dev libgl-dev libbenchmark-dev
-    fonts-liberation)
+    qt6-qpa-plugins fonts-liberation)
 
 kyt_build() {
     cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null || return 1
