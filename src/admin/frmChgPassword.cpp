@@ -61,6 +61,7 @@ void frmChgPassword::CmdOK_Click() {
         if (!s.password_required) {
             s.password_required = true;
             services().settings->save_setting(kApp, "startup", kPasswordRequiredKey, "True");
+            save_settings_now();
         }
     }
     back_to_sys_admin();

@@ -107,6 +107,7 @@ void frmSysAd::save_sys_admin() {
         lists.mandatory[static_cast<std::size_t>(i)] = s.mandatory[static_cast<std::size_t>(i)];
     }
     save_admin_lists(lists_place(), lists, loaded_count, s.password);
+    save_settings_now();
 }
 
 void frmSysAd::show_password_state() {
@@ -162,6 +163,7 @@ void frmSysAd::cmdSetPassword_Click() {
 void frmSysAd::cmdRemovePassword_Click() {
     shared().password_required = false;
     services().settings->save_setting(kApp, "startup", kPasswordRequiredKey, "False");
+    save_settings_now();
     show_password_state();
 }
 

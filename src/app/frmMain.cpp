@@ -97,7 +97,10 @@ void frmMain::Form_Load() {
     open_comm_port();
 }
 
-void frmMain::read_ini() { kyt::read_ini(*services().settings, ss(QDir::currentPath()), shared()); }
+void frmMain::read_ini() {
+    kyt::read_ini(*services().settings, ss(QDir::currentPath()), shared());
+    save_settings_now();
+}
 
 void frmMain::show_comm_port(int port) {
     ui->lblStatus->setText("Comm Port:  " + QString::number(port));

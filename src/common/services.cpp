@@ -13,6 +13,13 @@ Services& services() {
     return s;
 }
 
+bool save_settings_now() {
+    const std::string why = services().settings->flush();
+    if (why.empty()) return true;
+    services().boxes->show(why, box_critical, "ERROR");
+    return false;
+}
+
 void install_real_services() {
     Services& s = services();
     s.settings = std::make_unique<IniSettingsStore>();

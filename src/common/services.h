@@ -23,6 +23,11 @@ struct Services {
 
 Services& services();
 
+// Writes the settings now; when they cannot be written, tells why in one
+// box and returns false. Called after a form has stored what the operator
+// chose, so that a setting is never lost in silence.
+bool save_settings_now();
+
 // The real services: the INI store in the per-user folder, QSerialPort, Qt's
 // message boxes and file dialogs, the system clock.
 void install_real_services();

@@ -60,6 +60,7 @@ void frmChangePort::cmdUpdate_Click() {
     shared().port.comm_port = chosen;
     update_comm_caption();
     services().settings->save_setting(kApp, kStartup, "comm", std::to_string(chosen));
+    save_settings_now();
     close_comm_port();
     open_comm_port();
     forms::unload<frmChangePort>();

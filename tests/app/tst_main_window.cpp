@@ -130,6 +130,21 @@ private slots:
         QCOMPARE(t.serial->port_open(), open);
     }
 
+    void start_up_tells_settings_it_cannot_write() {
+        auto t = test::install_test_services();
+        QTemporaryDir dir;
+        QFile blocker(dir.path() + "/blocked");
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        blocker.close();
+        services().settings = std::make_unique<IniSettingsStore>(dir.path() + "/blocked/kyt-console");
+        frmMain* m = fresh_main();
+        QCOMPARE(t.boxes->shown.size(), std::size_t(1));
+        QCOMPARE(t.boxes->shown[0].style, 16);
+        QVERIFY(t.boxes->shown[0].text.find("could not be written") != std::string::npos);
+        // The console goes on with the settings it read.
+        QCOMPARE(m->windowTitle(), QString("KYT CONSOLE  -  Comm 2"));
+    }
+
     void start_up_scans_then_opens_the_chosen_port() {
         auto t = test::install_test_services();
         t.settings->save_setting("kyt", "Startup", "comm", "3");

@@ -87,6 +87,22 @@ private slots:
         QCOMPARE(next.get_setting("kyt", "startup", "series", "absent"), std::string("absent"));
     }
 
+    void an_unwritable_folder_is_reported() {
+        QTemporaryDir dir;
+        // A folder that is a plain file cannot hold the settings, whoever runs the test.
+        QFile blocker(dir.path() + "/blocked");
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        blocker.close();
+        IniSettingsStore store(dir.path() + "/blocked/kyt-console");
+        store.save_setting("kyt", "Startup", "comm", "3");
+        const std::string why = store.flush();
+        QVERIFY(!why.empty());
+        QVERIFY(why.find("kyt.ini") != std::string::npos);
+        IniSettingsStore good(dir.path() + "/good");
+        good.save_setting("kyt", "Startup", "comm", "3");
+        QCOMPARE(good.flush(), std::string());
+    }
+
     void values_keep_their_text() {
         IniSettingsStore store(test::fresh_settings_folder());
         for (const std::string v : {"9600,N,8,1", " leading blank", "trailing blank ", "a=b;c", ""}) {

@@ -4,11 +4,11 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+#include "common/qt_text.h"
+
 namespace kyt {
 
 namespace {
-
-QString qs(std::string_view s) { return QString::fromLatin1(s.data(), static_cast<qsizetype>(s.size())); }
 
 // The spelling already in use for a name, compared without regard to case.
 QString existing_name(const QStringList& names, const QString& wanted) {
@@ -38,8 +38,14 @@ IniSettingsStore::IniSettingsStore(QString folder) : folder_(folder.isEmpty() ? 
 
 IniSettingsStore::~IniSettingsStore() { flush(); }
 
-void IniSettingsStore::flush() {
-    for (auto& [name, settings] : files_) settings->sync();
+std::string IniSettingsStore::flush() {
+    std::string why;
+    for (auto& [name, settings] : files_) {
+        settings->sync();
+        if (settings->status() != QSettings::NoError && why.empty())
+            why = "The settings file " + ss(QDir::toNativeSeparators(name)) + " could not be written.";
+    }
+    return why;
 }
 
 // One QSettings a file, kept: QSettings writes its changes back once per turn

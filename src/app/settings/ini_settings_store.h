@@ -30,7 +30,7 @@ public:
 
     // Writes what is pending to disk now. Without it the file follows at the
     // next turn of the event loop, once for a whole batch of writes.
-    void flush();
+    std::string flush() override;
 
 private:
     QSettings& file(std::string_view app);

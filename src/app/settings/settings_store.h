@@ -19,6 +19,8 @@ public:
     virtual void save_setting(std::string_view app, std::string_view section, std::string_view key,
                               std::string_view value) = 0;
     virtual void delete_setting(std::string_view app, std::string_view section, std::string_view key) = 0;
+    // Writes what is pending; why it could not, or an empty text.
+    virtual std::string flush() { return {}; }
 };
 
 // A store held in memory, for tests and for tools that must not touch the
