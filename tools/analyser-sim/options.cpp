@@ -80,7 +80,7 @@ ParsedOptions parse_options(const std::vector<std::string>& args) {
         std::optional<std::string> inline_value;
         if (const auto eq = name.find('='); name.rfind("--", 0) == 0 && eq != std::string::npos) {
             inline_value = name.substr(eq + 1);
-            name = name.substr(0, eq);
+            name.resize(eq);
         }
         if (name == "--help" || name == "-h") {
             r.help = true;
