@@ -2,12 +2,10 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <filesystem>
 #include <limits>
 #include <stdexcept>
-#include <system_error>
 
+#include "common/file_text.h"
 #include "common/numbers.h"
 #include "common/text.h"
 
@@ -315,34 +313,8 @@ LogReadResult read_log(std::string_view text, bool single_rate_test) {
     return r;
 }
 
-namespace {
-
-// The whole file, or nothing when it cannot be opened or read (a folder, or
-// a file too large to hold).
-std::optional<std::string> file_text(const std::string& path) {
-    std::FILE* f = std::fopen(path.c_str(), "rb");
-    if (!f) return std::nullopt;
-    std::optional<std::string> text;
-    try {
-        text.emplace();
-        std::error_code no_size;
-        const auto size = std::filesystem::file_size(path, no_size);
-        if (!no_size) text->reserve(static_cast<std::size_t>(size));
-        char buffer[1 << 16];
-        std::size_t got;
-        while ((got = std::fread(buffer, 1, sizeof buffer, f)) > 0) text->append(buffer, got);
-        if (std::ferror(f)) text.reset();
-    } catch (const std::exception&) {
-        text.reset();
-    }
-    std::fclose(f);
-    return text;
-}
-
-}  // namespace
-
 LogReadResult read_log_file(const std::string& path, bool single_rate_test) {
-    const std::optional<std::string> text = file_text(path);
+    const std::optional<std::string> text = read_text_file(path);
     if (!text) {
         LogReadResult r;
         r.single_rate_test = single_rate_test;

@@ -4,7 +4,7 @@
 
 #include "common/numbers.h"
 #include "common/text.h"
-#include "reports/file_text.h"
+#include "common/file_text.h"
 
 namespace kyt {
 

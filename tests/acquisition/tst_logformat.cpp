@@ -6,7 +6,7 @@
 
 #include "acquisition/logformat.h"
 #include "common/text.h"
-#include "reports/file_text.h"
+#include "common/file_text.h"
 #include "reports/test_data.h"
 
 using namespace kyt;

@@ -5,7 +5,7 @@
 #include <QtGlobal>
 #include <string>
 
-#include "reports/file_text.h"
+#include "common/file_text.h"
 
 inline std::string test_data(const std::string& name) {
     const auto text = kyt::read_text_file(qEnvironmentVariable("KYT_SOURCE_DIR").toStdString() + "/tests/data/" + name);

@@ -4,7 +4,7 @@
 
 #include "common/text.h"
 #include "reports/capture.h"
-#include "reports/file_text.h"
+#include "common/file_text.h"
 #include "reports/test_data.h"
 
 using namespace kyt;

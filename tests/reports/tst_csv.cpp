@@ -2,7 +2,7 @@
 
 #include "common/text.h"
 #include "reports/csv_convert.h"
-#include "reports/file_text.h"
+#include "common/file_text.h"
 #include "reports/test_data.h"
 
 using namespace kyt;

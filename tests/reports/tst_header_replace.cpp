@@ -1,7 +1,7 @@
 #include <QtTest>
 
 #include "common/text.h"
-#include "reports/file_text.h"
+#include "common/file_text.h"
 #include "reports/header_replace.h"
 
 using namespace kyt;

@@ -1,6 +1,6 @@
 #include <QtTest>
 
-#include "reports/file_text.h"
+#include "common/file_text.h"
 #include "reports/test_data.h"
 
 using namespace kyt;

@@ -1,9 +1,8 @@
 #include "app/dialogs/global_save_open.h"
 
-#include <fstream>
-
 #include "app/dialogs/file_dialogs.h"
 #include "app/settings/read_ini.h"
+#include "common/file_text.h"
 #include "common/message_boxes.h"
 #include "common/services.h"
 #include "common/shared_state.h"
@@ -71,12 +70,10 @@ std::string show_save_dialog() {
 }
 
 std::string check_file_name(const std::string& name) {
-    std::ofstream f(name, std::ios::out | std::ios::trunc | std::ios::binary);
-    if (!f) {
+    if (!write_text_file(name, {})) {
         msg_box("Bad file name", box_exclamation, "INVALID FILE NAME");
         return {};
     }
-    f.close();
     SettingsStore& store = *services().settings;
     const std::string folder = remember_save_dir(store, shared().dirs.save_dir, name);
     store.save_setting(kApp, "startup", "savedir", folder);
