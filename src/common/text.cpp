@@ -5,19 +5,21 @@
 
 namespace kyt {
 
-std::string ltrim(std::string_view s) {
-    std::size_t i = 0;
-    while (i < s.size() && s[i] == ' ') ++i;
-    return std::string(s.substr(i));
+std::string_view ltrim_view(std::string_view s) {
+    const std::size_t first = s.find_first_not_of(' ');
+    return first == std::string_view::npos ? std::string_view() : s.substr(first);
 }
 
-std::string rtrim(std::string_view s) {
-    std::size_t n = s.size();
-    while (n > 0 && s[n - 1] == ' ') --n;
-    return std::string(s.substr(0, n));
+std::string_view rtrim_view(std::string_view s) {
+    const std::size_t last = s.find_last_not_of(' ');
+    return last == std::string_view::npos ? std::string_view() : s.substr(0, last + 1);
 }
 
-std::string trim(std::string_view s) { return ltrim(rtrim(s)); }
+std::string_view trim_view(std::string_view s) { return ltrim_view(rtrim_view(s)); }
+
+std::string ltrim(std::string_view s) { return std::string(ltrim_view(s)); }
+std::string rtrim(std::string_view s) { return std::string(rtrim_view(s)); }
+std::string trim(std::string_view s) { return std::string(trim_view(s)); }
 
 std::string upper(std::string_view s) {
     std::string r(s);
@@ -66,20 +68,26 @@ std::string replace_underlined_field(std::string_view blank, std::string_view va
     return std::string(value.substr(0, blank.size()));
 }
 
+bool next_line(std::string_view text, std::size_t& pos, std::string_view& line) {
+    if (pos >= text.size()) return false;
+    const std::size_t end = text.find(LF, pos);
+    if (end == std::string_view::npos) {
+        line = text.substr(pos);
+        pos = text.size();
+        return true;
+    }
+    std::size_t stop = end;
+    if (stop > pos && text[stop - 1] == CR) --stop;
+    line = text.substr(pos, stop - pos);
+    pos = end + 1;
+    return true;
+}
+
 std::vector<std::string> split_lines(std::string_view text) {
     std::vector<std::string> lines;
-    std::size_t begin = 0;
-    while (begin < text.size()) {
-        std::size_t end = text.find(LF, begin);
-        if (end == std::string_view::npos) {
-            lines.emplace_back(text.substr(begin));
-            break;
-        }
-        std::size_t stop = end;
-        if (stop > begin && text[stop - 1] == CR) --stop;
-        lines.emplace_back(text.substr(begin, stop - begin));
-        begin = end + 1;
-    }
+    std::size_t pos = 0;
+    std::string_view line;
+    while (next_line(text, pos, line)) lines.emplace_back(line);
     return lines;
 }
 

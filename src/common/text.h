@@ -17,6 +17,10 @@ inline constexpr char ENQ = '\x05';   // marks a line that is left out
 inline constexpr std::string_view CRLF = "\r\n";
 
 // Blanks only (character 32) are taken off, as the console's trim does.
+// The _view forms give a view into the text, without a copy.
+std::string_view trim_view(std::string_view s);
+std::string_view ltrim_view(std::string_view s);
+std::string_view rtrim_view(std::string_view s);
 std::string trim(std::string_view s);
 std::string ltrim(std::string_view s);
 std::string rtrim(std::string_view s);
@@ -46,5 +50,9 @@ std::string replace_underlined_field(std::string_view blank, std::string_view va
 // Splits at CR LF; a lone LF also ends a line, a CR before it is taken off.
 // A text that ends in a line end gives no empty last line.
 std::vector<std::string> split_lines(std::string_view text);
+
+// The same cut one line at a time, as a view into the text: the line from
+// pos on, with pos moved behind it; false when the text is used up.
+bool next_line(std::string_view text, std::size_t& pos, std::string_view& line);
 
 }  // namespace kyt

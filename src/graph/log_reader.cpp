@@ -48,35 +48,6 @@ BoxMessage line_error(std::string_view what, std::size_t line_number) {
     return error_box(std::string(what) + " in line " + std::to_string(line_number) + "; graphing cancelled");
 }
 
-// The next line of text, cut as split_lines cuts (at LF, a CR before it taken
-// off, no empty line after a final line end), but as a view into the text: a
-// log is walked twice and copying each line would cost more than the reading.
-bool next_line(std::string_view text, std::size_t& pos, std::string_view& line) {
-    if (pos >= text.size()) return false;
-    const std::size_t end = text.find(LF, pos);
-    if (end == std::string_view::npos) {
-        line = text.substr(pos);
-        pos = text.size();
-        return true;
-    }
-    std::size_t stop = end;
-    if (stop > pos && text[stop - 1] == CR) --stop;
-    line = text.substr(pos, stop - pos);
-    pos = end + 1;
-    return true;
-}
-
-// Blanks off the start and the end, as trim does, without a copy.
-std::string_view ltrim_blanks(std::string_view s) {
-    const std::size_t first = s.find_first_not_of(' ');
-    return first == std::string_view::npos ? std::string_view() : s.substr(first);
-}
-
-std::string_view trim_blanks(std::string_view s) {
-    const std::size_t last = s.find_last_not_of(' ');
-    return last == std::string_view::npos ? std::string_view() : ltrim_blanks(s.substr(0, last + 1));
-}
-
 // A data record is a line whose third and sixth characters are ":".
 bool record_shaped(std::string_view trimmed) {
     return trimmed.size() >= 6 && trimmed[2] == ':' && trimmed[5] == ':';
@@ -107,7 +78,7 @@ void count_records(std::string_view text, LogReadResult& r) {
     std::size_t pos = 0;
     std::string_view raw;
     while (r.graph_file_ok && next_line(text, pos, raw)) {
-        const std::string_view line = trim_blanks(raw);
+        const std::string_view line = trim_view(raw);
         for (const RefusedKind& kind : refused_kinds) {
             if (line.starts_with(kind.heading)) {
                 r.*kind.flag = true;
@@ -161,7 +132,7 @@ bool read_record(std::string_view line, std::size_t i, std::size_t line_number, 
         }
         const std::size_t blank = rest.find(' ');
         const std::string_view field = rest.substr(0, blank);
-        rest = blank == std::string_view::npos ? std::string_view() : ltrim_blanks(rest.substr(blank));
+        rest = blank == std::string_view::npos ? std::string_view() : ltrim_view(rest.substr(blank));
         if (k == 1) {
             s.graph_time[i] = detail::elapsed_minutes(field);
             continue;
@@ -226,7 +197,7 @@ void read_records(std::string_view text, LogReadResult& r) {
     while (next_line(text, pos, raw)) {
         ++line_number;
         if (raw.find(end_of_data) != std::string_view::npos || raw.find(BELL) != std::string_view::npos) break;
-        const std::string_view line = trim_blanks(raw);
+        const std::string_view line = trim_view(raw);
         if (line.starts_with(model_mark)) saw_model = true;
         if (line.starts_with(single_rate_mark)) r.single_rate_test = true;
         if (line.starts_with(elapsed_mark)) saw_elapsed = true;
