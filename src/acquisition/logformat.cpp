@@ -9,11 +9,9 @@ namespace {
 
 constexpr std::size_t indent = 9;
 
-std::string line(std::string_view text) { return std::string(text) + std::string(CRLF); }
 
-std::string indented(std::size_t blanks, std::string_view text) { return line(spaces(blanks) + std::string(text)); }
 
-std::string page_mark(int page) { return indented(67, "p. " + format_picture(page, "00")); }
+std::string page_mark(int page) { return indented_line(67, "p. " + format_picture(page, "00")); }
 
 // Line 21 of the head. The occlusion log shows the rate and the volume only
 // when both are given, and both blanks otherwise: a filled value alone is
@@ -41,82 +39,82 @@ std::string format_by_size(double v) {
 std::string log_head(LogKind kind, const ReportRec& rec, char channel, const CivilTime& now) {
     const bool single = kind == LogKind::single_rate;
     std::string s;
-    s += line("");
-    s += line("");
+    s += text_line("");
+    s += text_line("");
     s += page_mark(1);
-    s += line("");
-    s += indented(33, "MAROVANT 4500-K");
-    s += indented(31, "Corvane Systems Inc.");
-    s += line("");
-    s += indented(36, "DATA LOG");
-    s += line("");
-    s += indented(indent, "Start of Test - Date: " + format_date(now, "mmm d yyyy"));
-    s += indented(23, "- Time: " + format_date(now, "hh:mm"));
-    s += line("");
-    s += indented(indent, "Infusion Device Information:");
-    s += line("");
-    s += indented(indent, "Manufacturer: " + fit_field(rec.manufacturer, 18) + " Model: " + fit_field(rec.model, 22));
-    s += line("");
-    s += indented(indent, "Serial No.: " + fit_field(rec.serial_no, 20) + " Control No.: " + fit_field(rec.control_no, 16));
-    s += line("");
-    s += indented(indent, "Department: " + fit_field(rec.department, 20) + " Location: " + fit_field(rec.location, 19));
-    s += line("");
-    s += indented(indent, rate_and_volume(kind, rec));
-    s += line("");
-    s += indented(indent, "Comment(s): " + fit_field(rec.comment, 50));
-    s += line("");
-    s += line("");
-    s += indented(indent, "Channel: " + std::string(1, channel));
-    s += line("");
+    s += text_line("");
+    s += indented_line(33, "MAROVANT 4500-K");
+    s += indented_line(31, "Corvane Systems Inc.");
+    s += text_line("");
+    s += indented_line(36, "DATA LOG");
+    s += text_line("");
+    s += indented_line(indent, "Start of Test - Date: " + format_date(now, "mmm d yyyy"));
+    s += indented_line(23, "- Time: " + format_date(now, "hh:mm"));
+    s += text_line("");
+    s += indented_line(indent, "Infusion Device Information:");
+    s += text_line("");
+    s += indented_line(indent, "Manufacturer: " + fit_field(rec.manufacturer, 18) + " Model: " + fit_field(rec.model, 22));
+    s += text_line("");
+    s += indented_line(indent, "Serial No.: " + fit_field(rec.serial_no, 20) + " Control No.: " + fit_field(rec.control_no, 16));
+    s += text_line("");
+    s += indented_line(indent, "Department: " + fit_field(rec.department, 20) + " Location: " + fit_field(rec.location, 19));
+    s += text_line("");
+    s += indented_line(indent, rate_and_volume(kind, rec));
+    s += text_line("");
+    s += indented_line(indent, "Comment(s): " + fit_field(rec.comment, 50));
+    s += text_line("");
+    s += text_line("");
+    s += indented_line(indent, "Channel: " + std::string(1, channel));
+    s += text_line("");
     if (single) {
-        s += indented(indent, "SINGLE RATE TEST");
-        s += line("");
-        s += indented(indent, "Elapsed   Flow  Avg Flow  Volume  B.Pres");
-        s += indented(indent, "  Time    (ml/h)  (ml/h)    (ml)  (mmHg)");
+        s += indented_line(indent, "SINGLE RATE TEST");
+        s += text_line("");
+        s += indented_line(indent, "Elapsed   Flow  Avg Flow  Volume  B.Pres");
+        s += indented_line(indent, "  Time    (ml/h)  (ml/h)    (ml)  (mmHg)");
     } else {
-        s += indented(indent, "OCCLUSION PRESSURE TEST");
-        s += line("");
-        s += indented(12, "Elasped Time       Occlusion Pressure");
-        s += indented(12, "                     (psi)     (mmHg)");
+        s += indented_line(indent, "OCCLUSION PRESSURE TEST");
+        s += text_line("");
+        s += indented_line(12, "Elasped Time       Occlusion Pressure");
+        s += indented_line(12, "                     (psi)     (mmHg)");
     }
     return s;
 }
 
 std::string continuation_head(LogKind kind, int page) {
-    std::string s = line(std::string(1, FF)) + line("") + page_mark(page) + line("");
+    std::string s = text_line(std::string(1, FF)) + text_line("") + page_mark(page) + text_line("");
     if (kind == LogKind::single_rate) {
-        s += indented(indent, "Elasped   Flow  Avg Flow  Volume  B.Pres");
-        s += indented(indent, " Time    (ml/h)  (ml/h)    (ml)   (mmHg)");
+        s += indented_line(indent, "Elasped   Flow  Avg Flow  Volume  B.Pres");
+        s += indented_line(indent, " Time    (ml/h)  (ml/h)    (ml)   (mmHg)");
     } else {
-        s += indented(12, "Elasped Time Occl");
-        s += indented(12, "             (psi) (mmHg) (kPa)");
+        s += indented_line(12, "Elasped Time Occl");
+        s += indented_line(12, "             (psi) (mmHg) (kPa)");
     }
     return s;
 }
 
 std::string single_rate_row(const SingleRateRow& r) {
-    return indented(indent, format_picture(r.hours, "00") + ":" + format_picture(r.minutes, "00") + ":" +
+    return indented_line(indent, format_picture(r.hours, "00") + ":" + format_picture(r.minutes, "00") + ":" +
                                 format_picture(r.seconds, "00") + spaces(2) + format_by_size(r.flow) + spaces(3) +
                                 format_by_size(r.avg_flow) + spaces(4) + format_by_size(r.volume) + spaces(5) +
                                 general_number(r.pressure));
 }
 
 std::string occlusion_row(const OcclusionRow& r) {
-    return indented(16, format_picture(r.minutes, "00") + ":" + format_picture(r.seconds, "00") + spaces(12) +
+    return indented_line(16, format_picture(r.minutes, "00") + ":" + format_picture(r.seconds, "00") + spaces(12) +
                             format_picture(r.psi, "00.00") + spaces(6) + format_picture(r.mmhg, "000"));
 }
 
 std::string log_close(const ReportRec& rec, bool header_entered) {
-    std::string s = line("") + indented(indent, "END OF DATA") + line("");
+    std::string s = text_line("") + indented_line(indent, "END OF DATA") + text_line("");
     if (!header_entered) return s;
     if (!rec.pump_type.empty())
-        s += indented(indent, "PumpType: " + fit_field(rec.pump_type, 22) + " Pump Tolerance(+/- %): " +
+        s += indented_line(indent, "PumpType: " + fit_field(rec.pump_type, 22) + " Pump Tolerance(+/- %): " +
                                   fit_field(rec.pump_tolerance, 6));
-    s += line("");
+    s += text_line("");
     if (!rec.technician.empty())
-        s += indented(indent, "Technician: " + fit_field(rec.technician, 20) + " Signature:___________________");
+        s += indented_line(indent, "Technician: " + fit_field(rec.technician, 20) + " Signature:___________________");
     else
-        s += indented(indent, "Technician:_____________________ Signature:___________________");
+        s += indented_line(indent, "Technician:_____________________ Signature:___________________");
     return s;
 }
 

@@ -1,6 +1,7 @@
 #include "common/numbers.h"
 
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -196,6 +197,20 @@ bool text_to_bool(std::string_view s) {
     if (t == "false" || t.empty()) return false;
     return leading_number(t) != 0.0;
 }
+
+namespace {
+
+template <typename T>
+std::string shortest(T v) {
+    char buffer[64];
+    const auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, v);
+    return ec == std::errc() ? std::string(buffer, end) : std::string();
+}
+
+}  // namespace
+
+std::string shortest_text(double v) { return shortest(v); }
+std::string shortest_text(float v) { return shortest(v); }
 
 CivilTime local_now() {
     const std::time_t t = std::time(nullptr);

@@ -46,6 +46,12 @@ std::string general_number(double v);
 // (true when not 0). Anything else is false.
 bool text_to_bool(std::string_view s);
 
+// The shortest decimal text that reads back to the same value: a double as a
+// double, a single-precision value as single precision (0.1f gives "0.1",
+// not the digits of its double widening).
+std::string shortest_text(double v);
+std::string shortest_text(float v);
+
 // Local calendar time, as the head writers and print headers take it.
 struct CivilTime {
     int year = 2000, month = 1, day = 1;     // month 1 to 12

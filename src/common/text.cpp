@@ -62,6 +62,10 @@ bool ends_with(std::string_view s, std::string_view suffix) { return s.ends_with
 
 std::string spaces(std::size_t n) { return std::string(n, ' '); }
 
+std::string text_line(std::string_view text) { return std::string(text) + std::string(CRLF); }
+
+std::string indented_line(std::size_t blanks, std::string_view text) { return text_line(spaces(blanks) + std::string(text)); }
+
 std::string replace_underlined_field(std::string_view blank, std::string_view value) {
     if (value.size() <= blank.size())
         return std::string(value) + std::string(blank.substr(0, blank.size() - value.size()));

@@ -43,6 +43,10 @@ bool ends_with(std::string_view s, std::string_view suffix);
 
 std::string spaces(std::size_t n);
 
+// A line of a file: the text and CR LF; indented_line puts blanks before it.
+std::string text_line(std::string_view text);
+std::string indented_line(std::size_t blanks, std::string_view text);
+
 // Fits a value into a fixed-width run of underscores: the value and the rest
 // of the blank behind it, or the value cut to the blank's width.
 std::string replace_underlined_field(std::string_view blank, std::string_view value);

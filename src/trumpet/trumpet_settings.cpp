@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "common/numbers.h"
-#include "graph/shortest_number.h"
 
 namespace kyt {
 

@@ -10,15 +10,15 @@
 namespace sim {
 
 using kyt::format_picture;
+using kyt::indented_line;
 using kyt::spaces;
+using kyt::text_line;
 
 namespace {
 
 constexpr std::size_t label_indent = 8;
 constexpr std::size_t table_indent = 9;
 
-std::string line(std::string_view text) { return std::string(text) + std::string(kyt::CRLF); }
-std::string indented(std::size_t blanks, std::string_view text) { return line(spaces(blanks) + std::string(text)); }
 std::string blank(std::size_t width) { return std::string(width, '_'); }
 
 std::string two(int v) { return format_picture(v, "00"); }
@@ -34,7 +34,7 @@ kyt::CivilTime civil(std::time_t t) {
 // The page mark stands at the end of the 30-character title line.
 std::string page_line(int page) {
     const std::string mark = "p. " + two(page);
-    return line(spaces(30 - mark.size()) + mark);
+    return text_line(spaces(30 - mark.size()) + mark);
 }
 
 // Title, date and the header of the device under test with its underlined
@@ -42,25 +42,25 @@ std::string page_line(int page) {
 // at the offset the console writes from.
 std::string report_head(std::string_view title, std::time_t started) {
     const kyt::CivilTime t = civil(started);
-    std::string s = page_line(1) + line("");
-    s += indented(28, "MAROVANT 4500-K");
-    s += indented(26, "Corvane Systems Inc.");
-    s += line("");
-    s += indented(table_indent, title);
-    s += line("");
-    s += indented(label_indent, "Test Date: " + kyt::format_date(t, "mmm d yyyy") + "    Start Time: " +
+    std::string s = page_line(1) + text_line("");
+    s += indented_line(28, "MAROVANT 4500-K");
+    s += indented_line(26, "Corvane Systems Inc.");
+    s += text_line("");
+    s += indented_line(table_indent, title);
+    s += text_line("");
+    s += indented_line(label_indent, "Test Date: " + kyt::format_date(t, "mmm d yyyy") + "    Start Time: " +
                                     kyt::format_date(t, "hh:mm"));
-    s += line("");
-    s += indented(label_indent, "Manufacturer: " + blank(18) + " Model: " + blank(22));
-    s += line("");
-    s += indented(label_indent, "Serial No.: " + blank(20) + " Control No.: " + blank(16));
-    s += line("");
-    s += indented(label_indent, "Department: " + blank(20) + " Location: " + blank(19));
-    s += line("");
-    s += indented(label_indent, "Set Rate(s): " + blank(13) + " ml/h  VTBI: " + blank(20) + " ml");
-    s += line("");
-    s += indented(label_indent, "Comment:  " + blank(52));
-    s += line("");
+    s += text_line("");
+    s += indented_line(label_indent, "Manufacturer: " + blank(18) + " Model: " + blank(22));
+    s += text_line("");
+    s += indented_line(label_indent, "Serial No.: " + blank(20) + " Control No.: " + blank(16));
+    s += text_line("");
+    s += indented_line(label_indent, "Department: " + blank(20) + " Location: " + blank(19));
+    s += text_line("");
+    s += indented_line(label_indent, "Set Rate(s): " + blank(13) + " ml/h  VTBI: " + blank(20) + " ml");
+    s += text_line("");
+    s += indented_line(label_indent, "Comment:  " + blank(52));
+    s += text_line("");
     return s;
 }
 
@@ -76,7 +76,7 @@ std::string figure(std::string_view label, const std::string& value, std::string
     std::string text = std::string(label);
     text += spaces(text.size() < 22 ? 22 - text.size() : 1) + value;
     if (!unit.empty()) text += " " + std::string(unit);
-    return indented(label_indent, text);
+    return indented_line(label_indent, text);
 }
 
 // The rows the figures of a summary are taken from: the logged ones, or the
@@ -87,8 +87,8 @@ std::vector<Sample> measured(const TestModel& test) {
 }
 
 std::string signature_lines() {
-    return line("") + indented(table_indent, "Technician: " + blank(20) + "  Signature: " + blank(20)) + line("") +
-           indented(table_indent, "Date: " + blank(12));
+    return text_line("") + indented_line(table_indent, "Technician: " + blank(20) + "  Signature: " + blank(20)) + text_line("") +
+           indented_line(table_indent, "Date: " + blank(12));
 }
 
 std::string single_rate_summary(const TestModel& test) {
@@ -137,10 +137,10 @@ std::string pressure_row(const Sample& r) {
 
 std::string column_heads(TestKind kind) {
     if (kind == TestKind::single_rate)
-        return indented(table_indent, "Elapsed   Flow  Avg Flow  Volume  B.Pres") +
-               indented(table_indent, "  Time    (ml/h)  (ml/h)    (ml)  (mmHg)");
-    return indented(12, "Elapsed Time       Occlusion Pressure") +
-           indented(12, "                     (psi)     (mmHg)");
+        return indented_line(table_indent, "Elapsed   Flow  Avg Flow  Volume  B.Pres") +
+               indented_line(table_indent, "  Time    (ml/h)  (ml/h)    (ml)  (mmHg)");
+    return indented_line(12, "Elapsed Time       Occlusion Pressure") +
+           indented_line(12, "                     (psi)     (mmHg)");
 }
 
 int count_lines(std::string_view text) { return static_cast<int>(std::count(text.begin(), text.end(), '\n')); }
@@ -154,8 +154,8 @@ std::string summary_text(char channel, const TestModel& test, std::time_t starte
     std::string s = report_head(single ? "SINGLE RATE TEST SUMMARY" : "OCCLUSION PRESSURE TEST SUMMARY", started);
     std::string where = "Channel: " + std::string(1, channel);
     if (single) where += "          Flow Range: " + range_name(flow_range(test.pump().rate));
-    s += indented(label_indent, where);
-    s += line("");
+    s += indented_line(label_indent, where);
+    s += text_line("");
     s += single ? single_rate_summary(test) : occlusion_summary(test);
     s += signature_lines();
     return s;
@@ -164,11 +164,11 @@ std::string summary_text(char channel, const TestModel& test, std::time_t starte
 std::string data_log_text(char channel, const TestModel& test, std::time_t started) {
     const bool single = test.kind() == TestKind::single_rate;
     std::string s = report_head("INFUSION DEVICE DATA LOG", started);
-    s += indented(label_indent, "Channel: " + std::string(1, channel) + "          Log Interval: " +
+    s += indented_line(label_indent, "Channel: " + std::string(1, channel) + "          Log Interval: " +
                                     std::to_string(test.log_interval()) + " s");
-    s += line("");
-    s += indented(table_indent, single ? "SINGLE RATE TEST" : "OCCLUSION PRESSURE TEST");
-    s += line("");
+    s += text_line("");
+    s += indented_line(table_indent, single ? "SINGLE RATE TEST" : "OCCLUSION PRESSURE TEST");
+    s += text_line("");
     s += column_heads(test.kind());
 
     // A further page opens with a form feed line and five more: the same
@@ -177,7 +177,7 @@ std::string data_log_text(char channel, const TestModel& test, std::time_t start
     int page = 1;
     for (const Sample& r : test.log()) {
         if (lines >= log_page_lines) {
-            const std::string head = line(std::string(1, kyt::FF)) + line("") + page_line(++page) + line("") +
+            const std::string head = text_line(std::string(1, kyt::FF)) + text_line("") + page_line(++page) + text_line("") +
                                      column_heads(test.kind());
             s += head;
             lines = count_lines(head);
@@ -185,7 +185,7 @@ std::string data_log_text(char channel, const TestModel& test, std::time_t start
         s += single ? flow_row(r) : pressure_row(r);
         ++lines;
     }
-    s += line("");
+    s += text_line("");
     s += spaces(table_indent) + "END OF DATA";
     return s;
 }

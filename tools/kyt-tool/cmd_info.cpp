@@ -5,7 +5,7 @@
 
 #include "commands.h"
 #include "graph/log_reader.h"
-#include "graph/shortest_number.h"
+#include "common/numbers.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include "commands.h"
 #include "common/text.h"
 #include "graph/log_reader.h"
-#include "graph/shortest_number.h"
+#include "common/numbers.h"
 #include "trumpet/compute.h"
 #include "trumpet/trumpet_settings.h"
 
