@@ -28,6 +28,16 @@ void when_shown(F inspect) {
     timer->start();
 }
 
+CommonDialog log_dialog(const char* title, const QString& folder, int flags) {
+    CommonDialog d;
+    d.title = title;
+    d.filter = "Log Files (*.log)| *.log|All files (*.*) | *.*";
+    d.default_ext = "LOG";
+    d.initial_dir = folder.toStdString();
+    d.flags = flags;
+    return d;
+}
+
 }  // namespace
 
 class tst_platform_dialogs : public QObject {
@@ -88,12 +98,7 @@ private slots:
         QFile f(dir.path() + "/pump.log");
         QVERIFY(f.open(QIODevice::WriteOnly));
         f.close();
-        CommonDialog d;
-        d.title = "OPEN LOG";
-        d.filter = "Log Files (*.log)| *.log|All files (*.*) | *.*";
-        d.default_ext = "LOG";
-        d.initial_dir = dir.path().toStdString();
-        d.flags = 6156;
+        const CommonDialog d = log_dialog("OPEN LOG", dir.path(), 6156);
         QFileDialog::FileMode mode{};
         QStringList filters;
         QString folder, title;
@@ -115,12 +120,7 @@ private slots:
 
     void save_dialog_behaviour() {
         QTemporaryDir dir;
-        CommonDialog d;
-        d.title = "GET LOG DATA";
-        d.filter = "Log Files (*.log)| *.log|All files (*.*) | *.*";
-        d.default_ext = "LOG";
-        d.initial_dir = dir.path().toStdString();
-        d.flags = 2062;
+        const CommonDialog d = log_dialog("GET LOG DATA", dir.path(), 2062);
         bool confirms = false;
         QFileDialog::AcceptMode accept{};
         when_shown<QFileDialog>([&](QFileDialog* dlg) {
