@@ -19,6 +19,10 @@ KYT_BUILD_PACKAGES=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-t
     libqt6serialport6 libqcustomplot-dev libgif-dev libuemf-dev libgl-dev libbenchmark-dev
     qt6-qpa-plugins fonts-liberation)
 
+# What the tests need beyond the build: a German locale to prove the files
+# keep their decimal point, and independent readers of images and PDF files.
+KYT_TEST_PACKAGES=(locales-all imagemagick poppler-utils)
+
 kyt_build() {
     cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null || return 1
     cmake --build build --parallel "$(nproc)"

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-#include "admin/field_events.h"
+#include "common/field_events.h"
 #include "common/forms.h"
 #include "common/message_boxes.h"
 #include "common/qt_text.h"

@@ -9,8 +9,6 @@ namespace {
 
 constexpr std::size_t indent = 9;
 
-
-
 std::string page_mark(int page) { return indented_line(67, "p. " + format_picture(page, "00")); }
 
 // Line 21 of the head. The occlusion log shows the rate and the volume only
@@ -24,10 +22,6 @@ std::string rate_and_volume(LogKind kind, const ReportRec& rec) {
 }
 
 }  // namespace
-
-std::string fit_field(std::string_view value, std::size_t width) {
-    return replace_underlined_field(std::string(width, '_'), value);
-}
 
 std::string format_by_size(double v) {
     if (v < 10) return format_picture(v, "0.000");
@@ -143,12 +137,6 @@ bool LogFile::write(std::string_view piece) {
     out_.write(piece.data(), static_cast<std::streamsize>(piece.size()));
     out_.flush();
     return static_cast<bool>(out_);
-}
-
-std::string cut_at_tech(std::string text) {
-    const std::size_t p = find1(text, "Tech");
-    if (p > 0) text.resize(p > 10 ? p - 10 : 0);
-    return text;
 }
 
 std::string summary_file_text(std::string collected, const ReportRec& rec, bool header_entered,

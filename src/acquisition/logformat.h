@@ -12,6 +12,7 @@
 
 #include "common/numbers.h"
 #include "common/report_rec.h"
+#include "common/text.h"
 #include "common/box_message.h"
 
 namespace kyt {
@@ -42,10 +43,6 @@ struct OcclusionRow {
     int minutes = 0, seconds = 0;
     double psi = 0, mmhg = 0;
 };
-
-// The value through a blank of `width` underscores, so that a column never
-// shifts: a short value keeps the rest of the blank, a long one is cut.
-std::string fit_field(std::string_view value, std::size_t width);
 
 // A flow, average flow or volume by its size: "0.000" below 10 (negatives
 // too), "00.00" below 100, "000.0" below 1000, "0000" from there on.
@@ -120,12 +117,6 @@ public:
 private:
     std::ofstream out_;
 };
-
-// The text cut 10 characters before the first "Tech", which takes off the
-// analyser's own technician line and everything behind it. Without "Tech"
-// the text stays whole; a "Tech" within the first 10 characters leaves
-// nothing.
-std::string cut_at_tech(std::string text);
 
 // The bytes of a summary file from the text collected up to its character 7:
 // cut at "Tech"; with a header entered, the pump type and technician lines

@@ -1,7 +1,7 @@
 #include "admin/frmChgPassword.h"
 
 #include "admin/admin_lists.h"
-#include "admin/field_events.h"
+#include "common/field_events.h"
 #include "admin/frmSysAd.h"
 #include "common/forms.h"
 #include "common/message_boxes.h"

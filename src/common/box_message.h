@@ -18,6 +18,10 @@ inline constexpr int box_exclamation = 48;  // warnings, "CANCEL" and "SUCCESS" 
 inline constexpr int box_information = 64;
 inline constexpr int box_default_second = 256;
 inline constexpr int box_default_third = 512;
+// The two questions the console asks: Yes and No with No as the default, under
+// a question mark (292) or, where the answer may lose work, a stop sign (276).
+inline constexpr int box_ask = box_yes_no | box_question | box_default_second;
+inline constexpr int box_ask_critical = box_yes_no | box_critical | box_default_second;
 
 struct BoxMessage {
     std::string text;

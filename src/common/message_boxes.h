@@ -5,7 +5,6 @@
 // 32 question, 48 exclamation, 64 information) and default button (0 first,
 // 256 second, 512 third). In use: 16, 48, 292 and 276.
 
-#include <deque>
 #include <string>
 #include <vector>
 
@@ -34,23 +33,6 @@ public:
 class QtMessageBoxes final : public MessageBoxes {
 public:
     int show(const std::string& text, int style, const std::string& title) override;
-};
-
-// Records every box and answers as the test has scripted; with no scripted
-// answer left it presses the default button.
-class ScriptedMessageBoxes final : public MessageBoxes {
-public:
-    struct Box {
-        std::string text;
-        int style;
-        std::string title;
-    };
-    int show(const std::string& text, int style, const std::string& title) override;
-    void answer(int a) { answers_.push_back(a); }
-    std::vector<Box> shown;
-
-private:
-    std::deque<int> answers_;
 };
 
 // The buttons a style offers, in order, and the one pressed by default.

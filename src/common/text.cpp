@@ -72,6 +72,16 @@ std::string replace_underlined_field(std::string_view blank, std::string_view va
     return std::string(value.substr(0, blank.size()));
 }
 
+std::string fit_field(std::string_view value, std::size_t width) {
+    return replace_underlined_field(std::string(width, '_'), value);
+}
+
+std::string cut_at_tech(std::string text) {
+    const std::size_t p = find1(text, "Tech");
+    if (p > 0) text.resize(p > 10 ? p - 10 : 0);
+    return text;
+}
+
 bool next_line(std::string_view text, std::size_t& pos, std::string_view& line) {
     if (pos >= text.size()) return false;
     const std::size_t end = text.find(LF, pos);

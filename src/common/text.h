@@ -51,6 +51,16 @@ std::string indented_line(std::size_t blanks, std::string_view text);
 // of the blank behind it, or the value cut to the blank's width.
 std::string replace_underlined_field(std::string_view blank, std::string_view value);
 
+// The value through a blank of `width` underscores, so that a column never
+// shifts: a short value keeps the rest of the blank, a long one is cut.
+std::string fit_field(std::string_view value, std::size_t width);
+
+// A report's text cut 10 characters before the first "Tech", which takes off
+// the analyser's own technician line and everything behind it. Without
+// "Tech" the text stays whole; a "Tech" within the first 10 characters
+// leaves nothing.
+std::string cut_at_tech(std::string text);
+
 // Splits at CR LF; a lone LF also ends a line, a CR before it is taken off.
 // A text that ends in a line end gives no empty last line.
 std::vector<std::string> split_lines(std::string_view text);

@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "common/box_message.h"
+#include "common/dialog_flags.h"
 #include "graph/log_series.h"
 
 namespace kyt {
@@ -29,9 +30,7 @@ struct GraphFileDialog {
         "Log Files (*.log)| *.log"
         "|Data files (*.dat) | *.dat"
         "|All files (*.*) | *.*";
-    // The file and the path must exist, the read-only box is hidden, the
-    // working folder is left as it was.
-    static constexpr int flags = 6156;
+    static constexpr int flags = dlg_open_flags;
 };
 
 struct LogReadResult {

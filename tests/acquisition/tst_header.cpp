@@ -10,7 +10,7 @@
 
 #include "acquisition/frmHeader.h"
 #include "acquisition/header_rules.h"
-#include "admin/form_script.h"
+#include "support/form_script.h"
 #include "common/forms.h"
 #include "common/qt_text.h"
 #include "support/test_services.h"
@@ -183,6 +183,7 @@ private slots:
         QFETCH(bool, single_rate);
         QFETCH(bool, required);
         auto t = test::install_test_services();
+        if (required) t.boxes->expect();
         if (stored != "-") t.settings->save_setting("KYT", "STARTUP", "FIELD4MANDATORY", ss(stored));
         shared().run.header_is_single_rate = single_rate;
         shared().report_rec = sample_rec();
@@ -209,6 +210,7 @@ private slots:
 
     void set_rate_letter_refused_on_leaving_but_not_by_continue() {
         auto t = test::install_test_services();
+        t.boxes->expect(2);
         frmHeader* f = open_header();
         test::run_script(f, {"focus:cmbHdr_4", "type:x", "tab"});
         QCOMPARE(int(t.boxes->shown.size()), 1);
@@ -230,6 +232,7 @@ private slots:
     // before the button acts, and the button does not act.
     void continue_clicked_from_a_bad_set_rate() {
         auto t = test::install_test_services();
+        t.boxes->expect();
         frmHeader* f = open_header();
         test::run_script(f, {"focus:cmbHdr_4", "type:x", "click:cmdContinue"});
         QCOMPARE(int(t.boxes->shown.size()), 1);

@@ -7,7 +7,7 @@
 #include "acquisition/logformat.h"
 #include "common/text.h"
 #include "common/file_text.h"
-#include "reports/test_data.h"
+#include "support/test_data.h"
 
 using namespace kyt;
 

@@ -1,6 +1,7 @@
 #include <QtTest>
 
 #include "admin/admin_lists.h"
+#include "support/memory_settings_store.h"
 
 using namespace kyt;
 

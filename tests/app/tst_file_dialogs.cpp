@@ -102,6 +102,7 @@ private slots:
         QFETCH(QStringList, texts);
         QFETCH(QStringList, titles);
         auto t = test::install_test_services();
+        t.boxes->expect(std::size_t(texts.size()));
         QTemporaryDir dir;
         // A folder that is a plain file cannot hold a new file, whoever runs the test.
         QFile blocker(dir.path() + "/NOTADIR");

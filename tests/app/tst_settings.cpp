@@ -2,6 +2,7 @@
 
 #include "app/settings/ini_settings_store.h"
 #include "app/settings/read_ini.h"
+#include "support/memory_settings_store.h"
 #include "support/test_services.h"
 
 using namespace kyt;

@@ -1,6 +1,6 @@
 #include <QtTest>
 
-#include "graph/kyt_tool_run.h"
+#include "support/kyt_tool_run.h"
 
 class tst_tool_info : public QObject {
     Q_OBJECT

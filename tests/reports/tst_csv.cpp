@@ -3,7 +3,7 @@
 #include "common/text.h"
 #include "reports/csv_convert.h"
 #include "common/file_text.h"
-#include "reports/test_data.h"
+#include "support/test_data.h"
 
 using namespace kyt;
 

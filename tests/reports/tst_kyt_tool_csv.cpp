@@ -1,7 +1,7 @@
 #include <QtTest>
 
 #include "common/file_text.h"
-#include "reports/test_data.h"
+#include "support/test_data.h"
 
 using namespace kyt;
 

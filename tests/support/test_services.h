@@ -7,13 +7,13 @@
 #include <QDir>
 #include <QStandardPaths>
 
-#include "app/dialogs/file_dialogs.h"
 #include "app/settings/ini_settings_store.h"
-#include "common/clock.h"
-#include "common/message_boxes.h"
 #include "common/services.h"
 #include "common/shared_state.h"
-#include "link/serial_line.h"
+#include "support/fake_serial_line.h"
+#include "support/scripted_boxes.h"
+#include "support/scripted_dialogs.h"
+#include "support/stepping_clock.h"
 
 namespace kyt::test {
 

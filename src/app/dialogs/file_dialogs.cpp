@@ -76,16 +76,4 @@ std::string run_dialog(const CommonDialog& d, bool save) {
 std::string QtFileDialogs::show_open(const CommonDialog& d) { return run_dialog(d, false); }
 std::string QtFileDialogs::show_save(const CommonDialog& d) { return run_dialog(d, true); }
 
-std::string ScriptedFileDialogs::answer(const CommonDialog& d, bool save) {
-    requests.push_back({d, save});
-    if (fail_next) {
-        fail_next = false;
-        throw FileDialogError("The file dialog could not be shown.");
-    }
-    if (names_.empty()) return {};
-    std::string n = std::move(names_.front());
-    names_.pop_front();
-    return n;
-}
-
 }  // namespace kyt

@@ -3,25 +3,17 @@
 // file name and flags, shown as Open or as Save. The filter is written as
 // "description|pattern|description|pattern...". flags add up: 2 prompt before
 // overwriting, 4 hide the read-only box, 8 keep the working folder, 2048 the
-// path must exist, 4096 the file must exist (6156 for Open, 2062 for Save).
+// path must exist, 4096 the file must exist.
 
-#include <deque>
 #include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <QStringList>
 
-namespace kyt {
+#include "common/dialog_flags.h"
 
-enum FileDialogFlag : int {
-    dlg_overwrite_prompt = 2,
-    dlg_hide_read_only = 4,
-    dlg_keep_folder = 8,
-    dlg_path_must_exist = 2048,
-    dlg_file_must_exist = 4096,
-};
+namespace kyt {
 
 struct CommonDialog {
     std::string title;
@@ -52,27 +44,6 @@ class QtFileDialogs final : public FileDialogs {
 public:
     std::string show_open(const CommonDialog& d) override;
     std::string show_save(const CommonDialog& d) override;
-};
-
-// Answers with the names a test has queued ("" gives up), and keeps every
-// request it was shown. fail_next makes the next show throw, as a dialog
-// that cannot come up.
-class ScriptedFileDialogs final : public FileDialogs {
-public:
-    std::string show_open(const CommonDialog& d) override { return answer(d, false); }
-    std::string show_save(const CommonDialog& d) override { return answer(d, true); }
-    void queue(std::string name) { names_.push_back(std::move(name)); }
-
-    struct Request {
-        CommonDialog dialog;
-        bool save;
-    };
-    std::vector<Request> requests;
-    bool fail_next = false;
-
-private:
-    std::string answer(const CommonDialog& d, bool save);
-    std::deque<std::string> names_;
 };
 
 // "desc|pattern|..." as Qt name filters: "Log Files (*.log)". "*.*" stands

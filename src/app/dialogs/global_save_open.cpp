@@ -34,7 +34,7 @@ void show_open_dialog() {
     // A report text that matches "*LOG*" offers logs first.
     set_filter(d, contains(s.report_text, "LOG"));
     d.file_name.clear();
-    d.flags = 6156;
+    d.flags = dlg_open_flags;
     try {
         d.file_name = services().dialogs->show_open(d);
     } catch (const FileDialogError&) {
@@ -51,7 +51,7 @@ std::string show_save_dialog() {
     d.initial_dir = s.dirs.save_dir;
     set_filter(d, s.run.log_file_wanted);
     d.file_name.clear();
-    d.flags = 2062;
+    d.flags = dlg_save_flags;
     std::string name;
     try {
         name = services().dialogs->show_save(d);

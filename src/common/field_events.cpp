@@ -1,4 +1,4 @@
-#include "admin/field_events.h"
+#include "common/field_events.h"
 
 #include <QComboBox>
 #include <QFocusEvent>

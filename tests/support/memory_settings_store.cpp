@@ -1,4 +1,4 @@
-#include "app/settings/settings_store.h"
+#include "support/memory_settings_store.h"
 
 #include "common/text.h"
 

@@ -22,6 +22,7 @@
 
 #include "common/forms.h"
 #include "common/message_boxes.h"
+#include "support/scripted_boxes.h"
 
 namespace kyt::test {
 
@@ -87,7 +88,10 @@ inline void run_script(QWidget* form, const QStringList& steps) {
         } else if (verb == "pick") {
             auto* box = qobject_cast<QComboBox*>(focus);
             QVERIFY(box);
+            // As the operator picks from the list.
             box->setCurrentIndex(arg.toInt());
+            if (box->lineEdit()) box->lineEdit()->setModified(false);
+            emit box->activated(arg.toInt());
         } else if (verb == "click" || verb == "press") {
             auto* b = form->findChild<QAbstractButton*>(arg);
             QVERIFY2(b, qPrintable("no button " + arg));

@@ -1,4 +1,4 @@
-#include "link/serial_line.h"
+#include "support/fake_serial_line.h"
 
 #include <algorithm>
 

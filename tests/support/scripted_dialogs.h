@@ -1,0 +1,34 @@
+#pragma once
+// File dialogs that a test answers.
+
+#include <deque>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "app/dialogs/file_dialogs.h"
+
+namespace kyt {
+
+// Answers with the names a test has queued ("" gives up), and keeps every
+// request it was shown. fail_next makes the next show throw, as a dialog
+// that cannot come up.
+class ScriptedFileDialogs final : public FileDialogs {
+public:
+    std::string show_open(const CommonDialog& d) override { return answer(d, false); }
+    std::string show_save(const CommonDialog& d) override { return answer(d, true); }
+    void queue(std::string name) { names_.push_back(std::move(name)); }
+
+    struct Request {
+        CommonDialog dialog;
+        bool save;
+    };
+    std::vector<Request> requests;
+    bool fail_next = false;
+
+private:
+    std::string answer(const CommonDialog& d, bool save);
+    std::deque<std::string> names_;
+};
+
+}  // namespace kyt
