@@ -4,6 +4,7 @@
 #include "app/settings/ini_settings_store.h"
 #include "common/clock.h"
 #include "common/message_boxes.h"
+#include "common/printer.h"
 #include "link/qt_serial_line.h"
 
 namespace kyt {
@@ -27,6 +28,7 @@ void install_real_services() {
     s.boxes = std::make_unique<QtMessageBoxes>();
     s.dialogs = std::make_unique<QtFileDialogs>();
     s.clock = std::make_unique<SystemClock>();
+    s.printer = std::make_unique<QtPrinter>();
 }
 
 }  // namespace kyt

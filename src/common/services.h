@@ -12,6 +12,7 @@ class SerialLine;
 class MessageBoxes;
 class FileDialogs;
 class Clock;
+class Printer;
 
 struct Services {
     std::unique_ptr<SettingsStore> settings;
@@ -19,6 +20,7 @@ struct Services {
     std::unique_ptr<MessageBoxes> boxes;
     std::unique_ptr<FileDialogs> dialogs;
     std::unique_ptr<Clock> clock;
+    std::unique_ptr<Printer> printer;
 };
 
 Services& services();
