@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+int cmd_capture(const std::vector<std::string>& args);
 int cmd_csv(const std::vector<std::string>& args);
 int cmd_info(const std::vector<std::string>& args);
 int cmd_trumpet(const std::vector<std::string>& args);
