@@ -10,10 +10,12 @@
 
 void register_all_forms() {
     using namespace kyt::forms;
+    // In the order in which shutdown closes them.
     register_form<frmChangePort>();
-    register_form<frmTestPort>();
-    register_form<frmSysAd>();
-    register_form<frmPassWord>();
     register_form<frmChgPassword>();
     register_form<frmHeader>();
+    register_form<frmPassWord>();
+    register_form<frmTestPort>();
+    // The administrator's form is left to close with the program.
+    register_form<frmSysAd>(AtExit::stay);
 }

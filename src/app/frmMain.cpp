@@ -4,14 +4,12 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QFile>
-#include <QFontMetrics>
-#include <QMenu>
-#include <QPushButton>
 #include <QTimer>
 
 #include "app/backdrop.h"
 #include "app/settings/read_ini.h"
 #include "app/settings/settings_store.h"
+#include "common/form_roles.h"
 #include "common/forms.h"
 #include "common/message_boxes.h"
 #include "common/numbers.h"
@@ -19,25 +17,10 @@
 #include "common/services.h"
 #include "common/shared_state.h"
 #include "link/global_comm.h"
+#include "link/serial_line.h"
 #include "ui_frmMain.h"
 
 using namespace kyt;
-
-namespace {
-
-// Twips to pixels at the console's design density, 15 twips a pixel.
-int tw(int twips) { return twips / 15; }
-
-void start_timer(QWidget* form, const char* name) {
-    if (auto* t = form->findChild<QTimer*>(name)) t->start();
-}
-
-template <class W>
-W* child(QWidget* form, const char* name) {
-    return form->findChild<W*>(name);
-}
-
-}  // namespace
 
 frmMain::frmMain(QWidget* parent) : QMainWindow(parent), ui(new Ui::frmMain) {
     ui->setupUi(this);
@@ -78,22 +61,14 @@ frmMain::frmMain(QWidget* parent) : QMainWindow(parent), ui(new Ui::frmMain) {
 
 frmMain::~frmMain() { delete ui; }
 
-const QStringList& frmMain::closing_list() {
-    static const QStringList list = {
-        "frmAbout",    "frmChangePort", "frmChgPassword", "frmDownload", "frmKYTGHelp", "frmKYTHelp",
-        "frmKYTOverview", "frmGraph",   "frmHeader",      "frmInProgress", "frmOTGraph", "frmPassWord",
-        "frmReports",  "frmRTGraph",    "frmSetRate",     "frmSummary",  "frmTestPort", "frmTrumpetGraph",
-        "frmTrumpSet",
-    };
-    return list;
-}
-
 void frmMain::Form_Load() {
     adjustSize();
     center_form(this);
     read_ini();
     update_comm_caption();
     scan_comm_ports();
+    // A device that goes away while nothing reads the port is told at once.
+    services().serial->set_lost_handler([](const SerialError& e) { tell_serial_error(e); });
     open_comm_port();
 }
 
@@ -134,10 +109,11 @@ bool frmMain::event(QEvent* e) {
 void frmMain::hand_over_to_test(const char* test_form, const char* other_test_form) {
     forms::unload("frmReports");
     forms::unload(other_test_form);
-    if (QWidget* f = forms::get(test_form)) {
+    if (auto* test = forms::get_as<LiveTestScreen>(test_form)) {
+        QWidget* f = forms::find(test_form);
         center_form(f);
         f->show();
-        if (isEnabled()) start_timer(f, "GetDataTimer");
+        if (isEnabled()) test->start_polling();
     }
 }
 
@@ -150,28 +126,9 @@ void frmMain::Form_Activate() {
     if (run.report_pending) {
         forms::unload("frmRTGraph");
         forms::unload("frmOTGraph");
-        if (QWidget* f = forms::get("frmReports")) {
-            // The report form becomes a small capture panel.
-            if (auto* txt = child<QWidget>(f, "txtData")) {
-                txt->setFixedHeight(qRound(1.2 * QFontMetrics(f->font()).height()));
-                txt->move(tw(120), tw(120));
-            }
-            if (auto* b = child<QPushButton>(f, "cmdCancel")) b->move(tw(9000), tw(1030));
-            if (auto* b = child<QPushButton>(f, "cmdPrint")) {
-                b->move(tw(7440), tw(1030));
-                b->setVisible(true);
-            }
-            if (auto* b = child<QPushButton>(f, "cmdSave")) {
-                b->move(tw(5880), tw(1030));
-                b->setVisible(true);
-            }
-            f->resize(f->width(), tw(2100));
-            for (const char* m : {"mnuFile", "mnuEdit", "mnuOptions"})
-                if (auto* menu = child<QMenu>(f, m)) menu->menuAction()->setVisible(false);
-            start_timer(f, "GetDataTimer");
-            center_form(f);
+        if (auto* report = forms::get_as<ReportScreen>("frmReports")) {
             shared().run.capture_begun = true;
-            f->show();
+            report->show_as_capture_panel();
         }
     }
 }
@@ -179,15 +136,11 @@ void frmMain::Form_Activate() {
 void frmMain::mnuEdit_Click() {
     forms::unload("frmRTGraph");
     forms::unload("frmOTGraph");
-    if (QWidget* f = forms::find("frmReports"); f && f->height() < tw(3000)) forms::unload("frmReports");
-    QWidget* f = forms::get("frmReports");
-    if (!f) return;
-    if (auto* t = f->findChild<QTimer*>("GetDataTimer")) t->stop();
-    for (const char* name : {"mnuClose", "mnuClearAll", "mnuCut", "mnuCopy", "mnuPaste", "mnuDelete", "mnuConvertPrn"})
-        if (auto* a = f->findChild<QAction*>(name)) a->setEnabled(false);
-    f->setWindowTitle("REPORTS");
-    center_form(f);
-    f->show();
+    // The capture panel's small layout goes: the editor comes back at its
+    // design size.
+    if (auto* f = dynamic_cast<ReportScreen*>(forms::find("frmReports")); f && f->is_capture_panel())
+        forms::unload("frmReports");
+    if (auto* report = forms::get_as<ReportScreen>("frmReports")) report->show_as_editor();
 }
 
 void frmMain::mnuSysAdmin_Click() {
@@ -197,7 +150,7 @@ void frmMain::mnuSysAdmin_Click() {
 }
 
 void frmMain::unload_closing_list() {
-    for (const QString& name : closing_list()) forms::unload(name);
+    for (const QString& name : forms::closing_list()) forms::unload(name);
 }
 
 void frmMain::mnuExit_Click() {
@@ -211,9 +164,9 @@ bool frmMain::exit_kyt() {
     const std::string title = "EXIT KYT CONSOLE";
     int answer;
     if (shared().run.changes_unsaved)
-        answer = msg_box("You have not saved your changes to file.\rAre you sure you want to quit KYT?", 276, title);
+        answer = msg_box("You have not saved your changes to file.\rAre you sure you want to quit KYT?", box_ask_critical, title);
     else
-        answer = msg_box("Are you sure want to quit KYT?", 292, title);
+        answer = msg_box("Are you sure want to quit KYT?", box_ask, title);
     if (answer != answer_yes) return false;
     const QString temp = qs(shared().dirs.save_dir) + QDir::separator() + "tempfile.dat";
     if (QFile::exists(temp)) QFile::remove(temp);

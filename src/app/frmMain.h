@@ -4,7 +4,6 @@
 // ends the program.
 
 #include <QMainWindow>
-#include <QStringList>
 
 namespace Ui {
 class frmMain;
@@ -15,9 +14,6 @@ class frmMain : public QMainWindow {
 public:
     explicit frmMain(QWidget* parent = nullptr);
     ~frmMain() override;
-
-    // The forms closed together at shutdown, in this order.
-    static const QStringList& closing_list();
 
     // The activate handler; also run by forms that hide themselves to hand
     // work back, so that it does not depend on a window manager.

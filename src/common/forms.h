@@ -7,6 +7,7 @@
 
 #include <QPointer>
 #include <QString>
+#include <QStringList>
 #include <QWidget>
 
 namespace kyt::forms {
@@ -14,10 +15,16 @@ namespace kyt::forms {
 // The loaded form of that class name, or null.
 QWidget* find(const QString& name);
 
+// Whether a form goes with the others when the program shuts down.
+enum class AtExit { close, stay };
+
 // Forms are also reached by name, so that a procedure can name a form that
-// this build may not hold: each built form registers how it is made.
-void register_factory(const QString& name, std::function<QWidget*()> make);
+// this build may not hold: each built form registers how it is made, and
+// whether it is closed at shutdown. A name registered again keeps its place.
+void register_factory(const QString& name, std::function<QWidget*()> make, AtExit at_exit = AtExit::close);
 bool has_factory(const QString& name);
+// The registered forms that shutdown closes, in the order they were registered.
+QStringList closing_list();
 // The form of that name, created and loaded when it is not yet; null when no
 // such form is built.
 QWidget* get(const QString& name);
@@ -50,8 +57,16 @@ F* get() {
 }
 
 template <class F>
-void register_form() {
-    register_factory(name_of<F>(), [] { return static_cast<QWidget*>(new F()); });
+void register_form(AtExit at_exit = AtExit::close) {
+    register_factory(name_of<F>(), [] { return static_cast<QWidget*>(new F()); }, at_exit);
+}
+
+// The form of that name in one of its roles (an interface it implements, as
+// the live test screens and the report screen do), created and loaded when
+// it is not yet; null when no such form is built or it has no such role.
+template <class Role>
+Role* get_as(const QString& name) {
+    return dynamic_cast<Role*>(get(name));
 }
 
 template <class F>
@@ -65,5 +80,11 @@ namespace kyt {
 
 // Puts a form in the middle of the screen.
 void center_form(QWidget* form);
+
+// True while a window of the console is being activated because the console
+// as a whole came back from another program, false when the operator moved
+// from one of its windows to another. A form's activate handler runs only
+// for the latter, as the operator expects of a window inside the program.
+bool activation_from_outside();
 
 }  // namespace kyt

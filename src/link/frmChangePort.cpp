@@ -36,7 +36,11 @@ QRadioButton* frmChangePort::option(int port) const {
 }
 
 bool frmChangePort::event(QEvent* e) {
-    if (e->type() == QEvent::Show || e->type() == QEvent::WindowActivate) setup_comm_option_buttons();
+    // The operator's choice is reset when the dialog opens and when it is
+    // reached from another window of the console, not when the console
+    // comes back from another program.
+    if (e->type() == QEvent::Show || (e->type() == QEvent::WindowActivate && !activation_from_outside()))
+        setup_comm_option_buttons();
     return QDialog::event(e);
 }
 

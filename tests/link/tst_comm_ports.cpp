@@ -68,6 +68,7 @@ private slots:
 
     void nothing_free_tells_once() {
         auto t = test::install_test_services();
+        t.boxes->expect();
         t.serial->failing = {1, 2, 3, 4};
         scan_comm_ports();
         QVERIFY(!any_comm_port_free());
@@ -107,6 +108,7 @@ private slots:
 
     void stop_on_a_closed_port_tells_and_goes_on() {
         auto t = test::install_test_services();
+        t.boxes->expect();
         stop_current_test();
         QCOMPARE(t.boxes->shown.size(), std::size_t(1));
         QCOMPARE(t.boxes->shown[0].style, 16);
@@ -125,6 +127,7 @@ private slots:
         QFETCH(QString, buffer);
         QFETCH(QString, text);
         auto t = test::install_test_services();
+        if (!text.isEmpty()) t.boxes->expect();
         shared().port.comm_buffer = ss(buffer);
         show_reply_error();
         if (text.isEmpty()) {
@@ -181,6 +184,24 @@ private slots:
         QCOMPARE(t.serial->ops.back(), std::string("open"));
         QCOMPARE(t.serial->port_number(), 4);
         QVERIFY(!forms::is_loaded<frmChangePort>());
+    }
+
+    // The unsaved choice survives a visit to another program; moving to
+    // another window of the console and back resets it.
+    void choice_kept_while_away_from_the_console() {
+        test::install_test_services();
+        frmMain* m = forms::get<frmMain>();
+        m->show();
+        auto* f = forms::get<frmChangePort>();
+        f->show();
+        QApplication::setActiveWindow(f);
+        QTest::mouseClick(option(f, 4), Qt::LeftButton);
+        QApplication::setActiveWindow(nullptr);
+        QApplication::setActiveWindow(f);
+        QVERIFY(option(f, 4)->isChecked());
+        QApplication::setActiveWindow(m);
+        QApplication::setActiveWindow(f);
+        QVERIFY(option(f, 2)->isChecked());
     }
 
     void cancel_changes_nothing() {
