@@ -116,6 +116,7 @@ void show_reply_error() {
 }
 
 void tell_serial_error(const SerialError& e) {
+    if (e.told()) return;
     msg_box(std::string("The serial line failed: ") + e.what(), box_critical, "ERROR");
 }
 

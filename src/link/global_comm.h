@@ -30,7 +30,8 @@ void stop_current_test();
 void show_reply_error();
 
 // Tells a failure of the serial line itself (a device gone, a send on a
-// closed port) in one box; the caller abandons what it was doing.
+// closed port) in one box, unless it was told already; the caller abandons
+// what it was doing.
 void tell_serial_error(const SerialError& e);
 
 }  // namespace kyt

@@ -1,13 +1,39 @@
 #include "link/qt_serial_line.h"
 
 #include <QStringList>
+#include <QTimer>
 
 #include "app/settings/settings_store.h"
 #include "common/qt_text.h"
 
 namespace kyt {
 
-QtSerialLine::QtSerialLine(SettingsStore& settings) : settings_(settings) {}
+QtSerialLine::QtSerialLine(SettingsStore& settings) : settings_(settings) {
+    // A device that goes away makes the system report the line as readable
+    // for ever; QSerialPort turns each report into an error. Taken at the
+    // first one, the loss costs nothing more.
+    QObject::connect(&port_, &QSerialPort::errorOccurred, &port_, [this](QSerialPort::SerialPortError e) {
+        if (e == QSerialPort::ResourceError || e == QSerialPort::ReadError) device_lost();
+    });
+}
+
+void QtSerialLine::device_lost() {
+    if (!port_.isOpen()) return;
+    lost_ = "The serial device is no longer available: " + ss(port_.errorString());
+    loss_untold_ = true;
+    // Closed once QSerialPort has left the handler that reported the error.
+    QTimer::singleShot(0, &port_, [this] {
+        if (port_.isOpen()) port_.close();
+        port_.clearError();
+        tell_loss();
+    });
+}
+
+void QtSerialLine::tell_loss() {
+    if (!loss_untold_) return;
+    loss_untold_ = false;
+    if (lost_handler_) lost_handler_(SerialError(lost_));
+}
 
 std::string QtSerialLine::device_name(int port) const {
     const std::string fallback = "/dev/ttyS" + std::to_string(port - 1);
@@ -41,6 +67,8 @@ void QtSerialLine::set_port_open(bool open) {
         return;
     }
     if (port_.isOpen()) return;
+    lost_.clear();
+    loss_untold_ = false;
     const std::string device = device_name(port_number_);
     port_.setPortName(qs(device));
     if (!port_.open(QIODevice::ReadWrite))
@@ -58,17 +86,17 @@ void QtSerialLine::set_rts_enable(bool on) {
 }
 
 void QtSerialLine::pull() {
-    if (!port_.isOpen()) return;
-    port_.waitForReadyRead(0);
-    if (port_.error() == QSerialPort::TimeoutError) port_.clearError();  // nothing waiting is no fault
-    // A device that went away (a USB adapter pulled, the analyser's end of a
-    // pseudo-terminal closed) leaves the port useless: close it and say so.
-    const auto error = port_.error();
-    if (error == QSerialPort::ResourceError || error == QSerialPort::ReadError) {
-        const std::string why = ss(port_.errorString());
-        port_.clearError();
-        port_.close();
-        throw SerialError("The serial device is no longer available: " + why);
+    if (port_.isOpen()) {
+        port_.waitForReadyRead(0);
+        if (port_.error() == QSerialPort::TimeoutError) port_.clearError();  // nothing waiting is no fault
+    }
+    // A read after the loss of the device fails, and the first failure (or
+    // the lost handler, whichever comes first) is the one that tells it.
+    if (!lost_.empty()) {
+        const bool told = !loss_untold_;
+        loss_untold_ = false;
+        if (port_.isOpen()) port_.close();
+        throw SerialError(lost_, told);
     }
 }
 

@@ -29,8 +29,15 @@ public:
     void output(std::string_view text) override;
     std::string input() override;
     std::string device_name(int port) const override;
+    void set_lost_handler(std::function<void(const SerialError&)> handler) override { lost_handler_ = std::move(handler); }
 
 private:
+    // The device went away: the port is closed at once, so that the system
+    // stops signalling a dead line, and the loss is told once, by the next
+    // read or else by the lost handler.
+    void device_lost();
+    void tell_loss();
+
     // Moves what the system holds for the port into QSerialPort's buffer; the
     // console reads from timer ticks and busy waits, not from read events.
     void pull();
@@ -44,6 +51,9 @@ private:
     QSerialPort::Parity parity_ = QSerialPort::NoParity;
     QSerialPort::DataBits data_bits_ = QSerialPort::Data8;
     QSerialPort::StopBits stop_bits_ = QSerialPort::OneStop;
+    std::string lost_;         // why the device went away; empty while it is there
+    bool loss_untold_ = false;
+    std::function<void(const SerialError&)> lost_handler_;
 };
 
 }  // namespace kyt

@@ -4,6 +4,8 @@
 
 #include <QtTest>
 
+#include <sys/resource.h>
+
 #include <QPlainTextEdit>
 #include <QPushButton>
 
@@ -80,13 +82,52 @@ private slots:
         services().serial = std::make_unique<QtSerialLine>(*t.settings);
         forms::get<frmMain>();
         auto* form = forms::get<frmTestPort>();
+        // The pattern arrives, then the line goes: that is told once, and a
+        // second test on the closed port is told that the port is closed.
+        t.boxes->expect(2);
         form->Command1_Click();
-        // The pattern arrives, then the line goes; the form stops with one box.
         QTRY_VERIFY_WITH_TIMEOUT(!form->GetDataTimer.isActive(), 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(t.boxes->shown.size(), std::size_t(1), 10000);
+        QVERIFY(!services().serial->port_open());
         form->Command1_Click();
-        QTRY_VERIFY_WITH_TIMEOUT(!t.boxes->shown.empty(), 10000);
+        QCOMPARE(t.boxes->shown.size(), std::size_t(2));
         QCOMPARE(t.boxes->shown.back().style, 16);
-        QVERIFY(!form->GetDataTimer.isActive());    }
+        QVERIFY(!form->GetDataTimer.isActive());
+    }
+
+    // The analyser goes away while the port is open and nothing reads it:
+    // the console notices at once, closes the port, says so once and then
+    // sits idle instead of polling a dead line.
+    void a_vanished_analyser_leaves_the_console_idle() {
+        auto sim = std::make_unique<test::Sim>(QStringList{});
+        QVERIFY(sim->ready());
+        auto t = test::install_test_services();
+        t.settings->save_setting("kyt", "Ports", "comm1", ss(sim->link));
+        for (const char* key : {"comm2", "comm3", "comm4"})
+            t.settings->save_setting("kyt", "Ports", key, "/nonexistent/kyt-port");
+        t.settings->save_setting("kyt", "Startup", "comm", "1");
+        services().serial = std::make_unique<QtSerialLine>(*t.settings);
+        forms::get<frmMain>();
+        QVERIFY(services().serial->port_open());
+        t.boxes->expect(answer_ok);
+
+        sim.reset();
+        const double before = cpu_seconds();
+        QTest::qWait(10000);
+        const double used = cpu_seconds() - before;
+        qInfo("%.3f s of CPU in the 10 s after the hang-up", used);
+        QVERIFY2(used < 0.2, qPrintable(QString("%1 s of CPU in 10 s").arg(used)));
+        QVERIFY(!services().serial->port_open());
+        QCOMPARE(t.boxes->shown.size(), std::size_t(1));
+        QCOMPARE(t.boxes->shown[0].style, box_critical);
+    }
+
+private:
+    static double cpu_seconds() {
+        rusage u{};
+        getrusage(RUSAGE_SELF, &u);
+        return u.ru_utime.tv_sec + u.ru_stime.tv_sec + (u.ru_utime.tv_usec + u.ru_stime.tv_usec) / 1e6;
+    }
 };
 
 QTEST_MAIN(tst_test_port_e2e)
