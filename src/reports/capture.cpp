@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "acquisition/logformat.h"
 #include "common/text.h"
 #include "reports/header_replace.h"
 
@@ -50,13 +49,19 @@ void Capture::Process_tempbuffer(std::string& comm_buffer) {
     if (comm_buffer.size() > 2) {
         carry_text_ = comm_buffer.substr(comm_buffer.size() - 2);
         comm_buffer.resize(comm_buffer.size() - 2);
-    } else if (!(partial_line_.empty() && classify_error_reply(comm_buffer) != ReplyError::none)) {
-        // Held back whole. A 2-character error reply at the start of a line
-        // is not a split line end: held back, it would wait for text that
-        // the analyser never sends after it.
+    } else if (!lone_error_reply(comm_buffer)) {
         carry_text_ = std::move(comm_buffer);
         comm_buffer.clear();
     }
+}
+
+// An error reply is all the analyser sends in place of a transfer, so a
+// 2-character block is taken as one at once only before the first line of a
+// transfer has arrived: held back, it would wait for text that never comes.
+// Inside a transfer the same two characters are a one-letter line ("n", "e",
+// "?") whose LF is still on its way, and the carry joins them again.
+bool Capture::lone_error_reply(std::string_view text) const {
+    return !receiving_ && partial_line_.empty() && classify_error_reply(text) != ReplyError::none;
 }
 
 CaptureTick Capture::tick(std::string_view input) {

@@ -65,8 +65,8 @@ public:
 
     // Masks and repairs comm_buffer like process_buffer, and holds its last
     // 2 characters back in carry_text for the next tick (all of it when it
-    // is shorter), unless it holds character 7. A lone error reply that
-    // starts a line is taken at once rather than held for ever.
+    // is shorter), unless it holds character 7. An error reply that comes
+    // before any line of the transfer is taken at once rather than held.
     void Process_tempbuffer(std::string& comm_buffer);
 
     const std::string& report_text() const { return report_text_; }
@@ -79,6 +79,7 @@ public:
     const std::vector<std::string>& overflow_pages() const { return overflow_pages_; }
 
 private:
+    bool lone_error_reply(std::string_view text) const;
     void append_line(std::string_view line);
     void keep_text_short();
     std::string end_of_transfer();
