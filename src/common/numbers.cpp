@@ -75,6 +75,25 @@ std::string scan_decimal(std::string_view s, std::size_t& i, bool& dangling) {
     return num;
 }
 
+// The value of a text that scan_decimal read. The C library's conversions
+// follow the locale the program runs in, which may want a decimal comma;
+// the console's files always hold a point, so the conversion here is the
+// locale-free one. A value beyond a double's range reads as infinity, a
+// value too small for it as zero, each with its sign.
+double decimal_value(std::string_view num) {
+    const bool negative = !num.empty() && num[0] == '-';
+    if (!num.empty() && (num[0] == '+' || num[0] == '-')) num.remove_prefix(1);
+    double v = 0;
+    const auto [end, ec] = std::from_chars(num.data(), num.data() + num.size(), v);
+    if (ec == std::errc::result_out_of_range) {
+        const std::size_t e = num.find('e');
+        const bool tiny = e != std::string_view::npos ? num.substr(e + 1).starts_with('-')
+                                                      : num.starts_with('0') || num.starts_with('.');
+        v = tiny ? 0.0 : std::numeric_limits<double>::infinity();
+    }
+    return negative ? -v : v;
+}
+
 }  // namespace
 
 double leading_number(std::string_view input) {
@@ -87,7 +106,7 @@ double leading_number(std::string_view input) {
     std::size_t i = 0;
     bool dangling = false;
     const std::string num = scan_decimal(s, i, dangling);
-    return num.empty() ? 0.0 : std::strtod(num.c_str(), nullptr);
+    return num.empty() ? 0.0 : decimal_value(num);
 }
 
 std::optional<double> numeric_value(std::string_view text) {
@@ -99,7 +118,7 @@ std::optional<double> numeric_value(std::string_view text) {
     if (num.empty() || dangling) return std::nullopt;
     while (i < text.size() && blank(text[i])) ++i;
     if (i != text.size()) return std::nullopt;
-    const double v = std::strtod(num.c_str(), nullptr);
+    const double v = decimal_value(num);
     if (!std::isfinite(v)) return std::nullopt;
     return v;
 }
@@ -136,7 +155,8 @@ std::string format_picture(double v, std::string_view picture) {
 
     // The value at 15 significant digits: d0.d1...d14 times ten to the exp.
     char buf[40];
-    std::snprintf(buf, sizeof buf, "%.14e", std::fabs(v));
+    const auto printed = std::to_chars(buf, buf + sizeof buf - 1, std::fabs(v), std::chars_format::scientific, 14);
+    *printed.ptr = '\0';
     std::string digits;
     for (const char* p = buf; *p && *p != 'e'; ++p)
         if (std::isdigit(static_cast<unsigned char>(*p))) digits += *p;
@@ -177,8 +197,8 @@ std::string general_number(double v) {
     if (std::isinf(v)) return v < 0 ? "-Inf" : "Inf";
     if (v == 0.0) return "0";
     char buf[40];
-    std::snprintf(buf, sizeof buf, "%.15g", v);
-    std::string s = buf;
+    const auto printed = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general, 15);
+    std::string s(buf, printed.ptr);
     const auto e = s.find('e');
     if (e == std::string::npos) return s;
     // Exponent form: mantissa without trailing zeros, "E", sign, two digits.
