@@ -29,7 +29,12 @@ int box_default_answer(int style) {
 int QtMessageBoxes::show(const std::string& text, int style, const std::string& title) {
     QMessageBox box(QApplication::activeWindow());
     box.setWindowTitle(qs(title));
-    box.setText(qs(text));
+    // The console's texts break their lines with CR, LF or both; Qt breaks
+    // a plain text at LF only.
+    QString shown = qs(text);
+    shown.replace("\r\n", "\n");
+    shown.replace('\r', '\n');
+    box.setText(shown);
     switch (style & 0x70) {
         case box_critical: box.setIcon(QMessageBox::Critical); break;
         case box_question: box.setIcon(QMessageBox::Question); break;
@@ -63,14 +68,6 @@ int QtMessageBoxes::show(const std::string& text, int style, const std::string& 
     for (int b : buttons)
         if (b == answer_cancel) return answer_cancel;
     return wanted_default;
-}
-
-int ScriptedMessageBoxes::show(const std::string& text, int style, const std::string& title) {
-    shown.push_back({text, style, title});
-    if (answers_.empty()) return box_default_answer(style);
-    const int a = answers_.front();
-    answers_.pop_front();
-    return a;
 }
 
 int msg_box(const std::string& text, int style, const std::string& title) {

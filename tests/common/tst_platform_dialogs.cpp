@@ -8,6 +8,7 @@
 
 #include "app/dialogs/file_dialogs.h"
 #include "common/message_boxes.h"
+#include "support/scripted_boxes.h"
 
 using namespace kyt;
 
@@ -49,12 +50,18 @@ private slots:
         QTest::addColumn<QStringList>("buttons");
         QTest::addColumn<QString>("default_button");
         QTest::addColumn<int>("answer");
-        QTest::newRow("16 critical") << 16 << int(QMessageBox::Critical) << QStringList{"OK"} << "OK" << int(answer_ok);
-        QTest::newRow("48 exclamation") << 48 << int(QMessageBox::Warning) << QStringList{"OK"} << "OK" << int(answer_ok);
+        QTest::addColumn<QString>("text");
+        // The console breaks its lines with CR, CR LF or LF; each is one line break on screen.
+        QTest::newRow("16 critical") << 16 << int(QMessageBox::Critical) << QStringList{"OK"} << "OK" << int(answer_ok)
+                                     << "Line one\r\rLine two";
+        QTest::newRow("48 exclamation") << 48 << int(QMessageBox::Warning) << QStringList{"OK"} << "OK"
+                                        << int(answer_ok) << "Line one\r\n\r\nLine two";
         QTest::newRow("292 question, No default") << 292 << int(QMessageBox::Question)
-                                                  << QStringList{"Yes", "No"} << "No" << int(answer_no);
+                                                  << QStringList{"Yes", "No"} << "No" << int(answer_no)
+                                                  << "Line one\n\nLine two";
         QTest::newRow("276 critical, No default") << 276 << int(QMessageBox::Critical)
-                                                  << QStringList{"Yes", "No"} << "No" << int(answer_no);
+                                                  << QStringList{"Yes", "No"} << "No" << int(answer_no)
+                                                  << "Line one\r\n\rLine two";
     }
     void message_box_styles() {
         QFETCH(int, style);
@@ -62,6 +69,7 @@ private slots:
         QFETCH(QStringList, buttons);
         QFETCH(QString, default_button);
         QFETCH(int, answer);
+        QFETCH(QString, text);
         int seen_icon = -1;
         QStringList seen_buttons;
         QString seen_default, seen_title, seen_text;
@@ -74,23 +82,28 @@ private slots:
             box->defaultButton()->click();
         });
         QtMessageBoxes boxes;
-        QCOMPARE(boxes.show("Line one\r\rLine two", style, "TITLE"), answer);
+        QCOMPARE(boxes.show(text.toStdString(), style, "TITLE"), answer);
         QCOMPARE(seen_icon, icon);
         seen_buttons.sort();
         buttons.sort();
         QCOMPARE(seen_buttons, buttons);
         QCOMPARE(seen_default, default_button);
         QCOMPARE(seen_title, QString("TITLE"));
-        QVERIFY(seen_text.startsWith("Line one"));
+        QCOMPARE(seen_text, QString("Line one\n\nLine two"));
     }
 
     void scripted_boxes_answer_in_order() {
         ScriptedMessageBoxes boxes;
         boxes.answer(answer_yes);
+        boxes.expect(2);
         QCOMPARE(boxes.show("a", 292, "T"), int(answer_yes));
         QCOMPARE(boxes.show("b", 292, "T"), int(answer_no));  // the default button of 292
         QCOMPARE(boxes.show("c", 16, "T"), int(answer_ok));
         QCOMPARE(boxes.shown.size(), std::size_t(3));
+        // A box beyond those the test expected fails it.
+        QEXPECT_FAIL("", "a box the test did not expect", Continue);
+        boxes.show("d", 16, "T");
+        QCOMPARE(boxes.shown.size(), std::size_t(4));
     }
 
     void open_dialog_behaviour() {
