@@ -2,12 +2,13 @@
 
 #include <QAction>
 #include <QLineEdit>
+#include <QProxyStyle>
 #include <QPushButton>
 #include <QTimer>
 
 #include <functional>
 
-#include "admin/form_script.h"
+#include "support/form_script.h"
 #include "admin/frmChgPassword.h"
 #include "admin/frmPassWord.h"
 #include "admin/frmSysAd.h"
@@ -82,6 +83,17 @@ void set_password_with(frmSysAd* admin, const QStringList& steps,
 class tst_password_gate : public QObject {
     Q_OBJECT
 private slots:
+    // A desktop style that masks passwords with a round bullet, as many do.
+    void initTestCase() {
+        struct BulletStyle : QProxyStyle {
+            int styleHint(StyleHint hint, const QStyleOption* o, const QWidget* w, QStyleHintReturn* r) const override {
+                if (hint == SH_LineEdit_PasswordCharacter) return 0x25CF;
+                return QProxyStyle::styleHint(hint, o, w, r);
+            }
+        };
+        QApplication::setStyle(new BulletStyle);
+    }
+
     // The states of the gate, from the menu entry on.
     void gate_data() {
         QTest::addColumn<QString>("required");  // "ispasswordrqd" as stored; "-" absent
@@ -108,6 +120,7 @@ private slots:
         QFETCH(bool, asked);
         QFETCH(bool, opens);
         auto t = test::install_test_services();
+        if (!opens) t.boxes->expect(2);
         if (required != "-") t.settings->save_setting("kyt", "startup", "ispasswordrqd", ss(required));
         if (password != "-") t.settings->save_setting("kyt", "Startup", "password", ss(password));
         frmMain* m = main_window();
@@ -116,7 +129,11 @@ private slots:
         QCOMPARE(forms::is_loaded<frmPassWord>(), asked);
         if (asked) {
             QVERIFY(!forms::is_loaded<frmSysAd>());
-            QCOMPARE(forms::loaded<frmPassWord>()->findChild<QLineEdit*>("txtPassword")->echoMode(), QLineEdit::Password);
+            // Each character typed shows as "*", whatever the desktop's style would mask it with.
+            auto* entry = forms::loaded<frmPassWord>()->findChild<QLineEdit*>("txtPassword");
+            entry->setText("73 5");
+            QCOMPARE(entry->displayText(), QString("****"));
+            entry->clear();
             enter_password(typed);
         }
         QCOMPARE(forms::is_loaded<frmSysAd>(), opens);
@@ -183,6 +200,7 @@ private slots:
         QFETCH(QString, required);
         QFETCH(int, boxes);
         auto t = test::install_test_services();
+        t.boxes->expect(std::size_t(boxes));
         unload_all();
         shared().password_required = gate_on;
         frmSysAd* admin = test::open_fresh<frmSysAd>();
@@ -211,6 +229,7 @@ private slots:
     // Unlike the gate's box, the two boxes show what is typed.
     void mismatch_clears_the_confirmation_box() {
         auto t = test::install_test_services();
+        t.boxes->expect();
         unload_all();
         QString left_in_box = "?";
         bool masked = true;
@@ -231,6 +250,7 @@ private slots:
     // an empty entry, not on the password typed.
     void first_password_left_by_cancel() {
         auto t = test::install_test_services();
+        t.boxes->expect();
         frmMain* m = main_window();
         choose_sys_admin(m);
         set_password_with(forms::loaded<frmSysAd>(), {"type:abc", "enter", "type:abc", "enter", "click:CmdOK"});
