@@ -1,6 +1,7 @@
 #include "admin/frmSysAd.h"
 
 #include <QEvent>
+#include <QLineEdit>
 
 #include <limits>
 
@@ -17,12 +18,6 @@ using namespace kyt;
 namespace {
 
 StorePlace lists_place() { return {*services().settings, kApp, kStartup}; }
-
-// A box has a selected element when an element was picked and its text has
-// not been typed over since.
-bool has_selection(const QComboBox* box) {
-    return box->currentIndex() >= 0 && box->currentText() == box->itemText(box->currentIndex());
-}
 
 }  // namespace
 
@@ -42,6 +37,11 @@ frmSysAd::frmSysAd(QWidget* parent)
         cmbSysAdData[i]->installEventFilter(this);
         // What is typed is what is added: no completion from the list.
         cmbSysAdData[i]->setCompleter(nullptr);
+        // The box also makes an element current when the text typed matches it
+        // and the focus leaves; typing is not picking, so that is no selection.
+        connect(cmbSysAdData[i], &QComboBox::activated, this,
+                [this, i] { picked_[i] = !cmbSysAdData[i]->lineEdit()->isModified(); });
+        connect(cmbSysAdData[i]->lineEdit(), &QLineEdit::textEdited, this, [this, i] { picked_[i] = false; });
     }
     for (int i = 0; i < kMandatoryCount; ++i) {
         chkMandatory[i] = findChild<QCheckBox*>(QString("chkMandatory_%1").arg(i));
@@ -116,6 +116,17 @@ void frmSysAd::show_password_state() {
     ui->cmdRemovePassword->setEnabled(required);
 }
 
+bool frmSysAd::has_selection() const {
+    const QComboBox* box = cmbSysAdData[current_list];
+    return picked_[current_list] && box->currentIndex() >= 0 &&
+           box->currentText() == box->itemText(box->currentIndex());
+}
+
+void frmSysAd::forget_selection(QComboBox* box) {
+    picked_[current_list] = false;
+    box->setCurrentIndex(-1);
+}
+
 void frmSysAd::cmdAdd_Click() {
     QComboBox* box = cmbSysAdData[current_list];
     const std::string text = ss(box->currentText());
@@ -126,6 +137,7 @@ void frmSysAd::cmdAdd_Click() {
                 "ERROR");
     } else {
         box->addItem(qs(text));
+        forget_selection(box);
         box->clearEditText();
         ++count_of(current_list);
     }
@@ -134,9 +146,9 @@ void frmSysAd::cmdAdd_Click() {
 
 void frmSysAd::cmdRemove_Click() {
     QComboBox* box = cmbSysAdData[current_list];
-    if (has_selection(box)) {
+    if (has_selection()) {
         box->removeItem(box->currentIndex());
-        box->setCurrentIndex(-1);
+        forget_selection(box);
         if (count_of(current_list) > 0) --count_of(current_list);
     }
     box->setFocus();
@@ -145,6 +157,7 @@ void frmSysAd::cmdRemove_Click() {
 void frmSysAd::cmdClear_Click() {
     QComboBox* box = cmbSysAdData[current_list];
     count_of(current_list) = 0;
+    picked_[current_list] = false;
     box->clear();
     box->clearEditText();
     box->setFocus();

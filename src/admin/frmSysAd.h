@@ -46,9 +46,15 @@ protected:
 
 private:
     void show_password_state();
+    // An element of the current list counts as selected only when the
+    // operator picked it from the list and has not typed since: the combo
+    // box itself makes the first element added to an empty list current.
+    bool has_selection() const;
+    void forget_selection(QComboBox* box);
     std::int16_t& count_of(int list) { return list_count[static_cast<std::size_t>(kyt::count_slot(list))]; }
 
     Ui::frmSysAd* ui;
     QComboBox* cmbSysAdData[kyt::kListCount];
     QCheckBox* chkMandatory[kyt::kMandatoryCount];
+    bool picked_[kyt::kListCount] = {};
 };

@@ -6,7 +6,7 @@
 #include <QPushButton>
 
 #include "admin/admin_lists.h"
-#include "admin/form_script.h"
+#include "support/form_script.h"
 #include "admin/frmSysAd.h"
 #include "common/forms.h"
 #include "common/qt_text.h"
@@ -57,6 +57,12 @@ private slots:
         QTest::newRow("a picked element typed over is no selection")
             << 0 << QStringList{"Acme", "Baxo"} << "" << QStringList{"pick:1", "type:x", "click:cmdRemove"}
             << QStringList{"Acme", "Baxo"} << 0;
+        QTest::newRow("the first element added to an empty list is not selected")
+            << 0 << QStringList{} << "" << QStringList{"type:Acme", "click:cmdAdd", "click:cmdRemove"}
+            << QStringList{"Acme"} << 0;
+        QTest::newRow("typing an element's text again is no selection")
+            << 0 << QStringList{} << "" << QStringList{"type:Acme", "click:cmdAdd", "type:Acme", "click:cmdRemove"}
+            << QStringList{"Acme"} << 0;
         QTest::newRow("duplicates kept, order of entry")
             << 3 << QStringList{"M2"} << "" << QStringList{"type:M1", "click:cmdAdd", "type:M2", "click:cmdAdd"}
             << QStringList{"M2", "M1", "M2"} << 0;
@@ -91,6 +97,7 @@ private slots:
         QFETCH(QStringList, after);
         QFETCH(int, boxes);
         auto t = test::install_test_services();
+        t.boxes->expect(std::size_t(boxes));
         const AdminList& l = kAdminLists[static_cast<std::size_t>(list)];
         const int count = stored_count.isEmpty() ? int(before.size()) : stored_count.toInt();
         t.settings->save_setting("KYT", "STARTUP", l.count_key, std::to_string(count));
@@ -108,7 +115,7 @@ private slots:
         test::run_script(f, {"click:cmdClose"});
         QVERIFY(!forms::is_loaded<frmSysAd>());
 
-        QCOMPARE(stored(t, l.count_key), std::to_string(after.size()));
+        QCOMPARE(qs(stored(t, l.count_key)), QString::number(after.size()));
         for (int n = 1; n <= after.size(); ++n) QCOMPARE(qs(stored(t, element_key(list, n))), after[n - 1]);
         for (int n = int(after.size()) + 1; n <= std::max(count, int(before.size())) + 1; ++n)
             QCOMPARE(stored(t, element_key(list, n)), absent);
@@ -183,6 +190,7 @@ private slots:
 
     void count_out_of_range_is_told_and_the_list_is_empty() {
         auto t = test::install_test_services();
+        t.boxes->expect();
         t.settings->save_setting("kyt", "Startup", "tempNumModels", "40000");
         t.settings->save_setting("kyt", "Startup", "Model1", "M1");
         frmSysAd* f = open_sys_ad();
