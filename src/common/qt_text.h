@@ -13,4 +13,8 @@ inline QString qs(std::string_view s) { return QString::fromLatin1(s.data(), sta
 inline std::string ss(const QString& s) { return s.toLatin1().toStdString(); }
 inline std::string ss(const QByteArray& b) { return std::string(b.constData(), static_cast<std::size_t>(b.size())); }
 
+// A caption with an access key ("&Test Port") as rich text that underlines
+// the key, for a label that names another control's key without taking it.
+QString underlined_access_key(const QString& caption);
+
 }  // namespace kyt

@@ -14,7 +14,10 @@ using namespace kyt;
 frmTestPort::frmTestPort(QWidget* parent) : QWidget(parent), ui(new Ui::frmTestPort) {
     ui->setupUi(this);
     setAttribute(Qt::WA_DeleteOnClose);
-    ui->Label1->setBuddy(ui->Command1);
+    // The label underlines the button's access key as the button does; the
+    // key itself belongs to the button, so that Alt+T starts the test.
+    ui->Label1->setText(
+        underlined_access_key("Press \"&Test Port\" and you should see the following two line in the window below:"));
     // The expected lines stand in blue above what arrives.
     for (QLabel* l : {ui->Label2, ui->Label3}) {
         QPalette p = l->palette();

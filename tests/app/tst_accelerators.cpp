@@ -1,0 +1,108 @@
+// Every "&" in a caption is the access key of its control: Alt and the
+// letter act on that control and on no other, on every form of the console.
+
+#include <QtTest>
+
+#include <QAbstractButton>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+
+#include "app/form_registry.h"
+#include "app/frmMain.h"
+#include "common/forms.h"
+#include "support/form_script.h"
+#include "support/test_services.h"
+
+using namespace kyt;
+
+namespace {
+
+// The access key of a caption: the character behind a single "&".
+QChar access_key(const QString& caption) {
+    for (int i = 0; i + 1 < caption.size(); ++i) {
+        if (caption[i] != '&') continue;
+        if (caption[i + 1] != '&') return caption[i + 1].toUpper();
+        ++i;
+    }
+    return {};
+}
+
+Qt::Key key_of(QChar c) { return Qt::Key(c.unicode()); }
+
+}  // namespace
+
+class tst_accelerators : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase() { register_all_forms(); }
+
+    void every_access_key_acts_data() {
+        QTest::addColumn<QString>("form");
+        QTest::addColumn<int>("keys");  // how many access keys the form shows
+        QTest::newRow("frmMain") << "frmMain" << 3;
+        QTest::newRow("frmChangePort") << "frmChangePort" << 2;
+        QTest::newRow("frmTestPort") << "frmTestPort" << 2;
+        QTest::newRow("frmSysAd") << "frmSysAd" << 0;
+        QTest::newRow("frmPassWord") << "frmPassWord" << 1;
+        QTest::newRow("frmChgPassword") << "frmChgPassword" << 2;
+        QTest::newRow("frmHeader") << "frmHeader" << 0;
+    }
+    void every_access_key_acts() {
+        QFETCH(QString, form);
+        QFETCH(int, keys);
+        auto t = test::install_test_services();
+        t.boxes->allow_any();
+        QWidget* w = form == "frmMain" ? forms::get<frmMain>() : forms::get(form);
+        QVERIFY(w);
+        QVERIFY(test::show_active(w));
+
+        int found = 0;
+        for (QAbstractButton* b : w->findChildren<QAbstractButton*>()) {
+            const QChar k = access_key(b->text());
+            if (k.isNull() || !b->isVisible() || !b->isEnabled()) continue;
+            ++found;
+            // The click itself is not wanted here, only that the key reaches it.
+            const QSignalBlocker quiet(b);
+            QTest::keyClick(w, key_of(k), Qt::AltModifier);
+            QVERIFY2(b->isDown(), qPrintable(b->objectName() + " does not answer Alt+" + k));
+            QTest::qWait(150);
+        }
+        // A plain-text label's key moves the focus to its buddy. (A rich-text
+        // label only underlines another control's key.)
+        for (QLabel* l : w->findChildren<QLabel*>()) {
+            const QChar k = access_key(l->text());
+            if (k.isNull() || !l->isVisible() || l->textFormat() == Qt::RichText) continue;
+            ++found;
+            QVERIFY2(l->buddy(), qPrintable(l->objectName() + " shows an access key that leads nowhere"));
+            QTest::keyClick(w, key_of(k), Qt::AltModifier);
+            QCOMPARE(QApplication::focusWidget(), l->buddy());
+        }
+        if (auto* bar = w->findChild<QMenuBar*>()) {
+            for (QAction* top : bar->actions()) {
+                const QChar k = access_key(top->text());
+                if (k.isNull()) continue;
+                ++found;
+                QTest::keyClick(w, key_of(k), Qt::AltModifier);
+                QTRY_COMPARE(QApplication::activePopupWidget(), static_cast<QWidget*>(top->menu()));
+                // Within the menu each entry's key is its own.
+                QSet<QChar> seen;
+                for (QAction* a : top->menu()->actions()) {
+                    const QChar ak = access_key(a->text());
+                    if (ak.isNull()) continue;
+                    QVERIFY2(!seen.contains(ak), qPrintable(a->objectName() + " shares its key"));
+                    seen.insert(ak);
+                }
+                top->menu()->close();
+                QTRY_VERIFY(!QApplication::activePopupWidget());
+            }
+        }
+        QCOMPARE(found, keys);
+        forms::unload(form);
+        if (form != "frmMain") forms::unload<frmMain>();
+        test::flush_deletes();
+    }
+};
+
+QTEST_MAIN(tst_accelerators)
+#include "tst_accelerators.moc"
