@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include "app/frmMain.h"
+#include "common/form_roles.h"
 #include "common/forms.h"
 #include "common/qt_text.h"
 #include "support/test_services.h"
@@ -15,23 +16,27 @@ using namespace kyt;
 
 namespace {
 
-// A stand-in for a form that a later part of the console builds: a window
-// with the timer the hand-off starts.
-class StandInForm : public QWidget {
+// A stand-in for a form that a later part of the console builds, in the
+// roles the main window hands work to.
+class StandInForm : public QWidget, public LiveTestScreen, public ReportScreen {
 public:
-    StandInForm() {
-        auto* t = new QTimer(this);
-        t->setObjectName("GetDataTimer");
-        t->setInterval(1000);
-        resize(300, 200);
+    StandInForm() { resize(300, 200); }
+    void start_polling() override { polling = true; }
+    void show_as_capture_panel() override {
+        capture_panel = true;
+        show();
     }
+    bool is_capture_panel() const override { return capture_panel; }
+    void show_as_editor() override { show(); }
+    bool polling = false;
+    bool capture_panel = false;
 };
 
 void flush_deletes() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
 
 frmMain* fresh_main() {
     forms::unload<frmMain>();
-    for (const QString& n : frmMain::closing_list()) forms::unload(n);
+    for (const QString& n : forms::closing_list()) forms::unload(n);
     forms::unload("frmSysAd");
     flush_deletes();
     return forms::get<frmMain>();
@@ -60,6 +65,50 @@ private slots:
         QCOMPARE(menu_captions(m->findChild<QMenu*>("mnuOptions")),
                  (QStringList{"&Change Comm Port", "&Test Serial Port", "&System Administrator"}));
         QCOMPARE(menu_captions(m->findChild<QMenu*>("mnuHelp")), (QStringList{"KYT Help", "-", "&About"}));
+    }
+
+    // A separator is a line across the menu, with nothing written at its ends.
+    void separators_draw_no_text() {
+        test::install_test_services();
+        frmMain* m = fresh_main();
+        for (const char* name : {"mnuFile", "mnuHelp"}) {
+            auto* menu = m->findChild<QMenu*>(name);
+            menu->popup(QPoint(0, 0));
+            QVERIFY(QTest::qWaitForWindowExposed(menu));
+            const QImage image = menu->grab().toImage();
+            menu->close();
+            int separators = 0;
+            for (QAction* a : menu->actions()) {
+                if (!a->isSeparator()) continue;
+                ++separators;
+                const QRect r = menu->actionGeometry(a);
+                QVERIFY(r.width() > 40 && r.height() > 0);
+                int dark = 0;
+                for (int y = r.top(); y <= r.bottom(); ++y)
+                    for (int x = r.left(); x < r.left() + r.width() / 4; ++x) dark += qGray(image.pixel(x, y)) < 100;
+                QVERIFY2(dark == 0, name);
+            }
+            QCOMPARE(separators, 1);
+        }
+    }
+
+    // However large the window, the status line stays one line high along
+    // the bottom edge and the backdrop takes the rest.
+    void status_line_stays_at_the_bottom() {
+        test::install_test_services();
+        frmMain* m = fresh_main();
+        m->resize(1600, 1000);
+        m->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m));
+        QWidget* area = m->centralWidget();
+        auto* status = m->findChild<QWidget*>("picStatus");
+        auto* backdrop = m->findChild<QWidget*>("imgBackdrop");
+        QVERIFY(area->height() > 800);
+        QVERIFY2(status->height() < 2 * m->findChild<QLabel*>("lblStatus")->fontMetrics().height() + 8,
+                 qPrintable(QString::number(status->height())));
+        QCOMPARE(status->geometry().bottom(), area->height() - 1);
+        QCOMPARE(backdrop->height() + status->height(), area->height());
+        m->hide();
     }
 
     void menu_entries_follow_the_forms_built() {
@@ -113,6 +162,7 @@ private slots:
         QFETCH(bool, menus_enabled);
         QFETCH(bool, open);
         auto t = test::install_test_services();
+        t.boxes->expect(std::size_t(boxes.size()));
         for (int p : failing) t.serial->failing.insert(p);
         t.settings->save_setting("kyt", "Startup", "comm", comm.toStdString());
         for (const char* f : {"frmDownload", "frmTestPort", "frmChangePort"})
@@ -137,6 +187,7 @@ private slots:
         QVERIFY(blocker.open(QIODevice::WriteOnly));
         blocker.close();
         services().settings = std::make_unique<IniSettingsStore>(dir.path() + "/blocked/kyt-console");
+        t.boxes->expect();
         frmMain* m = fresh_main();
         QCOMPARE(t.boxes->shown.size(), std::size_t(1));
         QCOMPARE(t.boxes->shown[0].style, 16);
@@ -196,8 +247,9 @@ private slots:
 
     void exit_then_no_leaves_the_bare_main_window() {
         auto t = test::install_test_services();
-        for (const char* f : {"frmTestPort", "frmAbout", "frmChangePort", "frmSysAd"})
+        for (const char* f : {"frmTestPort", "frmAbout", "frmChangePort"})
             forms::register_factory(f, [] { return new StandInForm; });
+        forms::register_factory("frmSysAd", [] { return new StandInForm; }, forms::AtExit::stay);
         frmMain* m = fresh_main();
         m->show();
         for (const char* f : {"frmTestPort", "frmAbout", "frmChangePort", "frmSysAd"}) forms::get(f)->show();
@@ -214,15 +266,18 @@ private slots:
     void activation_hands_over_to_the_pending_form_data() {
         QTest::addColumn<bool>("rt");
         QTest::addColumn<bool>("ot");
+        QTest::addColumn<bool>("report");
         QTest::addColumn<QStringList>("loaded");
-        QTest::newRow("single rate") << true << false << QStringList{"frmRTGraph"};
-        QTest::newRow("occlusion") << false << true << QStringList{"frmOTGraph"};
-        QTest::newRow("both: the second unloads the first") << true << true << QStringList{"frmOTGraph"};
-        QTest::newRow("none") << false << false << QStringList{"frmReports"};
+        QTest::newRow("single rate") << true << false << false << QStringList{"frmRTGraph"};
+        QTest::newRow("occlusion") << false << true << false << QStringList{"frmOTGraph"};
+        QTest::newRow("both: the second unloads the first") << true << true << false << QStringList{"frmOTGraph"};
+        QTest::newRow("capture") << false << false << true << QStringList{"frmReports"};
+        QTest::newRow("none") << false << false << false << QStringList{"frmReports"};
     }
     void activation_hands_over_to_the_pending_form() {
         QFETCH(bool, rt);
         QFETCH(bool, ot);
+        QFETCH(bool, report);
         QFETCH(QStringList, loaded);
         test::install_test_services();
         for (const char* f : {"frmRTGraph", "frmOTGraph", "frmReports"})
@@ -231,6 +286,8 @@ private slots:
         forms::get("frmReports")->show();
         shared().run.rt_pending = rt;
         shared().run.ot_pending = ot;
+        shared().run.report_pending = report;
+        if (report) forms::get("frmRTGraph");
         m->Form_Activate();
         flush_deletes();
         QStringList now;
@@ -240,8 +297,10 @@ private slots:
         for (const QString& f : loaded)
             if (f != "frmReports") {
                 QVERIFY(forms::find(f)->isVisible());
-                QVERIFY(forms::find(f)->findChild<QTimer*>("GetDataTimer")->isActive());
+                QVERIFY(static_cast<StandInForm*>(forms::find(f))->polling);
             }
+        if (auto* r = static_cast<StandInForm*>(forms::find("frmReports"))) QCOMPARE(r->capture_panel, report);
+        QCOMPARE(shared().run.capture_begun, report);
         // The flags are left as they were, for the next activation.
         QCOMPARE(shared().run.rt_pending, rt);
         QCOMPARE(shared().run.ot_pending, ot);
