@@ -1,9 +1,6 @@
 // The printer, through real PDF files read back with poppler's tools: text,
 // fonts, positions, pages and orientation; a chart drawn into a rectangle of
 // a page; and what the user is told about the PDF file.
-//
-// With KYT_CHART_LOOK set to a folder, a graph page is also left there as
-// chart-page.pdf and chart-page.png for a person to look at.
 
 #include <QFile>
 #include <QProcess>
@@ -129,7 +126,6 @@ private slots:
     void chart_into_rectangle();
     void pdf_file_told_data();
     void pdf_file_told();
-    void graph_page_to_look_at();
 };
 
 void TestPrinter::job_to_pdf_data() {
@@ -277,23 +273,6 @@ void TestPrinter::pdf_file_told() {
         QVERIFY2(shown->shown[0].text.find(path) != std::string::npos, shown->shown[0].text.c_str());
     }
     if (!written && prints) QVERIFY(printer.error().find(path) != std::string::npos);
-}
-
-void TestPrinter::graph_page_to_look_at() {
-    const QByteArray look = qgetenv("KYT_CHART_LOOK");
-    if (look.isEmpty()) QSKIP("KYT_CHART_LOOK names no folder");
-    QDir().mkpath(look);
-    QFile::remove(QDir(look).filePath("chart-page.pdf"));
-    QtPrinter printer(QtPrinterOptions{.always_pdf = true, .pdf_folder = look.toStdString(), .pdf_name = "chart-page.pdf",
-                                       .tell = false});
-    Chart chart;
-    fill_chart(chart);
-    carry_out(printer, {"O:landscape", "F:courier new:12", "L:", "L:", "X:0.5", "P:Kyt Console", "Z", "Z",
-                        "L:Monday, Jan 6 2025", "L:", "F:courier new:16:b", "X:0.5", "L:Trumpet Graph",
-                        "F:courier new:12", "L:", "X:0.5", "L:Base Rate:  100 ml/hr", "X:0.5", "L:Average Rate:  100.4 ml/hr"});
-    printer.paint(QRectF(1, 4, 9, 4), [&](QPainter& p, const QRectF& r) { chart.render(p, r); });
-    QVERIFY(printer.end_job());
-    QVERIFY(!page_image(QDir(look).filePath("chart-page.pdf"), 100, QDir(look).filePath("chart-page")).isNull());
 }
 
 QTEST_MAIN(TestPrinter)
