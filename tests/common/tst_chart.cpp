@@ -5,7 +5,6 @@
 // With KYT_CHART_LOOK set to a folder, the image test also leaves its files
 // there for a person to look at.
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QSignalSpy>
@@ -163,7 +162,6 @@ private slots:
     void format_of_name();
     void repaint_requests_coalesce_data();
     void repaint_requests_coalesce();
-    void repaint_rate_is_bounded();
     void scrolling_keeps_last_points_data();
     void scrolling_keeps_last_points();
     void what_is_drawn_data();
@@ -317,29 +315,6 @@ void TestChart::repaint_requests_coalesce() {
     QCOMPARE(draws.count(), 2);
     QTest::qWait(4 * Chart::min_draw_interval_ms);
     QCOMPARE(draws.count(), 2);
-}
-
-void TestChart::repaint_rate_is_bounded() {
-    // A live stream: a point and the event loop, over and over. Whatever the
-    // speed of the machine, draws stay at most one per 40 ms; and they keep
-    // coming while points do.
-    Chart chart;
-    chart.set_set_count(1);
-    chart.set_scrolling(25);
-    QTest::qWait(100);  // the widget's own first layout and draw
-    QSignalSpy draws(&chart, &Chart::drawn);
-    QElapsedTimer clock;
-    clock.start();
-    int added = 0;
-    while (clock.elapsed() < 500) {
-        chart.scroll_in(1, added++ % 10);
-        QCoreApplication::processEvents();
-    }
-    const qint64 elapsed = clock.elapsed();
-    QVERIFY2(draws.count() <= elapsed / Chart::min_draw_interval_ms + 1,
-             qPrintable(QString("%1 draws in %2 ms").arg(draws.count()).arg(elapsed)));
-    QVERIFY2(draws.count() >= 2, qPrintable(QString("%1 draws in %2 ms").arg(draws.count()).arg(elapsed)));
-    QVERIFY(added > draws.count());
 }
 
 void TestChart::scrolling_keeps_last_points_data() {
