@@ -1,5 +1,7 @@
 #include "link/qt_serial_line.h"
 
+#include <algorithm>
+
 #include <QStringList>
 #include <QTimer>
 
@@ -23,10 +25,17 @@ void QtSerialLine::device_lost() {
     loss_untold_ = true;
     // Closed once QSerialPort has left the handler that reported the error.
     QTimer::singleShot(0, &port_, [this] {
-        if (port_.isOpen()) port_.close();
-        port_.clearError();
+        close_lost_port();
         tell_loss();
     });
+}
+
+void QtSerialLine::close_lost_port() {
+    if (!port_.isOpen()) return;
+    // What the device sent before it went is still to be read.
+    held_ += ss(port_.readAll());
+    port_.close();
+    port_.clearError();
 }
 
 void QtSerialLine::tell_loss() {
@@ -69,6 +78,7 @@ void QtSerialLine::set_port_open(bool open) {
     if (port_.isOpen()) return;
     lost_.clear();
     loss_untold_ = false;
+    held_.clear();
     const std::string device = device_name(port_number_);
     port_.setPortName(qs(device));
     if (!port_.open(QIODevice::ReadWrite))
@@ -90,24 +100,27 @@ void QtSerialLine::pull() {
         port_.waitForReadyRead(0);
         if (port_.error() == QSerialPort::TimeoutError) port_.clearError();  // nothing waiting is no fault
     }
-    // A read after the loss of the device fails, and the first failure (or
-    // the lost handler, whichever comes first) is the one that tells it.
+    // Once the device is gone, what it sent before is read first; a read
+    // after that fails, and the first failure (or the lost handler,
+    // whichever comes first) is the one that tells it.
     if (!lost_.empty()) {
+        close_lost_port();
+        if (!held_.empty()) return;
         const bool told = !loss_untold_;
         loss_untold_ = false;
-        if (port_.isOpen()) port_.close();
         throw SerialError(lost_, told);
     }
 }
 
 int QtSerialLine::in_buffer_count() {
     pull();
-    return port_.isOpen() ? static_cast<int>(port_.bytesAvailable()) : 0;
+    return static_cast<int>(held_.size()) + (port_.isOpen() ? static_cast<int>(port_.bytesAvailable()) : 0);
 }
 
 void QtSerialLine::clear_input() {
+    if (port_.isOpen()) pull();
+    held_.clear();
     if (!port_.isOpen()) return;
-    pull();
     port_.clear(QSerialPort::Input);
     port_.readAll();
 }
@@ -124,8 +137,14 @@ void QtSerialLine::output(std::string_view text) {
 }
 
 std::string QtSerialLine::input() {
-    if (!port_.isOpen()) return {};
     pull();
+    if (!held_.empty()) {
+        const std::size_t n = input_len_ > 0 ? std::min<std::size_t>(std::size_t(input_len_), held_.size()) : held_.size();
+        std::string r = held_.substr(0, n);
+        held_.erase(0, n);
+        return r;
+    }
+    if (!port_.isOpen()) return {};
     const QByteArray b = input_len_ > 0 ? port_.read(input_len_) : port_.readAll();
     return ss(b);
 }

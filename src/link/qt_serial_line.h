@@ -37,6 +37,8 @@ private:
     // read or else by the lost handler.
     void device_lost();
     void tell_loss();
+    // Keeps what QSerialPort had buffered from the lost device, then closes.
+    void close_lost_port();
 
     // Moves what the system holds for the port into QSerialPort's buffer; the
     // console reads from timer ticks and busy waits, not from read events.
@@ -52,6 +54,7 @@ private:
     QSerialPort::DataBits data_bits_ = QSerialPort::Data8;
     QSerialPort::StopBits stop_bits_ = QSerialPort::OneStop;
     std::string lost_;         // why the device went away; empty while it is there
+    std::string held_;         // what the lost device sent that is not read yet
     bool loss_untold_ = false;
     std::function<void(const SerialError&)> lost_handler_;
 };

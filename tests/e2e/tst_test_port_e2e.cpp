@@ -88,6 +88,9 @@ private slots:
         form->Command1_Click();
         QTRY_VERIFY_WITH_TIMEOUT(!form->GetDataTimer.isActive(), 10000);
         QTRY_COMPARE_WITH_TIMEOUT(t.boxes->shown.size(), std::size_t(1), 10000);
+        // Nothing the analyser sent before it went is lost.
+        QVERIFY(form->findChild<QPlainTextEdit*>("txtData")->toPlainText().startsWith(
+            "ABCDEFGHIJKLMNOPQRSTUVWXYZ 0123456789\nabcdefghijklmnopqrstuvwxyz  !#()-_=:."));
         QVERIFY(!services().serial->port_open());
         form->Command1_Click();
         QCOMPARE(t.boxes->shown.size(), std::size_t(2));
