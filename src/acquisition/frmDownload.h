@@ -1,0 +1,72 @@
+#pragma once
+// The download dialog, where all work with the analyser begins: the operator
+// picks a channel and a mode (summary, data log, real-time test or receive
+// any); real-time mode opens the criteria of the single-rate and occlusion
+// tests. The dialog stays loaded, hidden, for the whole of a run, and the run
+// reads the operator's choice from it through choice().
+//
+// OK checks that the choice is complete and then emits options_accepted().
+// The run itself is started by whoever handles that signal: the handler
+// evaluates the options (files, header, log head, first command) and sets
+// download_ok in the program-wide state; when that is set after the signal,
+// OK marks the summary header open and hides the dialog, and the main
+// window's activation opens the capture or test screen.
+
+#include <QDialog>
+
+#include "acquisition/download_choice.h"
+
+namespace Ui {
+class frmDownload;
+}
+
+class frmDownload : public QDialog {
+    Q_OBJECT
+public:
+    explicit frmDownload(QWidget* parent = nullptr);
+    ~frmDownload() override;
+
+    // The operator's choice as the controls hold it now.
+    kyt::DownloadChoice choice() const;
+
+    // Reads the options into download_mode and channel of the program-wide
+    // state and into the three flags below.
+    void get_download_options();
+
+    void disable_single_options();
+    void enable_single_options();
+    void disable_occl_options();
+    void enable_occl_options();
+    void enable_test_options();
+    void disable_test_options();
+    void enable_realtime_criteria();
+    void disable_realtime_criteria();
+
+    void CmdOK_Click();
+    void cmdCancel_Click();
+
+    // Set by get_download_options and never cleared while the form is loaded:
+    // once a press of OK has passed a check, later presses pass it too.
+    bool mode_chosen = false;
+    bool channel_chosen = false;
+    bool criteria_complete = false;
+    // The test number the run's commands carry: 1 single-rate, 4 occlusion;
+    // 0 until a run sets it.
+    int test_select = 0;
+
+signals:
+    void options_accepted();
+
+private:
+    // The click rules. A check box's rule also runs when a rule of the form
+    // changes its state, and an option's rule when a rule turns it on, so the
+    // controls it governs always follow it.
+    void optRealTime_Click();
+    void chkSingle_Click();
+    void chkOccl_Click();
+    void chkReport_Click();
+    void optDuration_Click();
+    void optIndefinite_Click();
+
+    Ui::frmDownload* ui;
+};

@@ -1,0 +1,251 @@
+#include <QtTest>
+
+#include "acquisition/download_choice.h"
+#include "acquisition/frmDownload.h"
+#include "common/forms.h"
+#include "common/shared_state.h"
+#include "support/form_script.h"
+#include "support/test_services.h"
+
+using namespace kyt;
+
+Q_DECLARE_METATYPE(kyt::DownloadChoice)
+
+namespace {
+
+// The controls whose state the rules govern, and those that are options.
+const QStringList criteria = {"fraRealTime", "chkSingle",  "optIndefinite", "optDuration", "cmbDuration",
+                              "chkOccl",     "cmbOccl",    "optPSI",        "chkReport",   "optPrinter",
+                              "optFile",     "cmbPoll",    "chkTestAuto"};
+const QStringList options = {"chkSaveFile", "chkSingle", "optIndefinite", "optDuration",
+                             "chkOccl",     "optPSI",    "chkReport",     "optPrinter", "optFile"};
+
+// Each step presses a control by name; "pick:NAME=N" picks item N of a list.
+void operate(frmDownload* f, const QStringList& steps) {
+    for (const QString& step : steps) {
+        if (step.startsWith("pick:")) {
+            const QString name = step.mid(5).section('=', 0, 0);
+            test::run_script(f, {"focus:" + name, "pick:" + step.section('=', 1)});
+        } else {
+            test::run_script(f, {"press:" + step});
+        }
+    }
+}
+
+QStringList enabled_of(frmDownload* f) {
+    QStringList on;
+    for (const QString& name : criteria)
+        if (f->findChild<QWidget*>(name)->isEnabled()) on << name;
+    return on;
+}
+
+QStringList checked_of(frmDownload* f) {
+    QStringList on;
+    for (const QString& name : options)
+        if (f->findChild<QAbstractButton*>(name)->isChecked()) on << name;
+    return on;
+}
+
+QString describe(const DownloadChoice& c) {
+    return QString("mode '%1' channel '%2' save %3 single %4 occl %5 indefinite %6 duration %7 poll %8 "
+                   "occl time %9 unit %10 report %11 printer %12 file %13 auto %14")
+        .arg(QChar(c.download_mode)).arg(QChar(c.channel)).arg(c.save_to_file).arg(c.single_rate)
+        .arg(c.occlusion).arg(c.run_indefinitely).arg(QString::fromStdString(c.duration_minutes))
+        .arg(c.poll_seconds).arg(QString::fromStdString(c.occlusion_minutes)).arg(int(c.occlusion_unit))
+        .arg(c.report_output).arg(c.summary_to_printer).arg(c.summary_to_file).arg(c.start_automatically);
+}
+
+// A fresh form as Form_Load leaves it.
+DownloadChoice fresh() {
+    DownloadChoice c;
+    c.channel = 'A';
+    c.save_to_file = true;
+    c.duration_minutes = "0.5";
+    c.poll_seconds = 1;
+    c.occlusion_minutes = "0.5";
+    return c;
+}
+
+const QString no_mode = "You must select a Channel or a Mode type.";
+const QString incomplete = "You must complete the Real Time criteria.";
+
+}  // namespace
+
+class tst_download : public QObject {
+    Q_OBJECT
+private slots:
+    void cleanup() {
+        forms::unload<frmDownload>();
+        test::flush_deletes();
+    }
+
+    // The criteria open and close as the operator clicks; the options the
+    // rules turn on (Run Indefinitely, PSI, Summary to File) stay on when
+    // their block closes.
+    void enable_rules_data() {
+        QTest::addColumn<QStringList>("clicks");
+        QTest::addColumn<QStringList>("enabled");
+        QTest::addColumn<QStringList>("on");
+        const QStringList rt = {"fraRealTime", "chkSingle", "chkOccl"};
+        const QStringList tests = {"chkReport", "cmbPoll", "chkTestAuto"};
+        const QStringList single = rt + QStringList{"optIndefinite", "optDuration"} + tests;
+        const QStringList occl = rt + QStringList{"cmbOccl", "optPSI"} + tests;
+        QTest::newRow("fresh form") << QStringList{} << QStringList{} << QStringList{"chkSaveFile"};
+        QTest::newRow("Real-Time opens the two tests")
+            << QStringList{"optRealTime"} << rt << QStringList{"chkSaveFile"};
+        QTest::newRow("single rate runs indefinitely")
+            << QStringList{"optRealTime", "chkSingle"} << single
+            << QStringList{"chkSaveFile", "chkSingle", "optIndefinite"};
+        QTest::newRow("Stop Test After opens the length list")
+            << QStringList{"optRealTime", "chkSingle", "optDuration"} << single + QStringList{"cmbDuration"}
+            << QStringList{"chkSaveFile", "chkSingle", "optDuration"};
+        QTest::newRow("Run Indefinitely closes it again")
+            << QStringList{"optRealTime", "chkSingle", "optDuration", "optIndefinite"} << single
+            << QStringList{"chkSaveFile", "chkSingle", "optIndefinite"};
+        QTest::newRow("single rate ticked again starts indefinite")
+            << QStringList{"optRealTime", "chkSingle", "optDuration", "chkSingle", "chkSingle"} << single
+            << QStringList{"chkSaveFile", "chkSingle", "optIndefinite"};
+        QTest::newRow("occlusion chooses PSI") << QStringList{"optRealTime", "chkOccl"} << occl
+                                               << QStringList{"chkSaveFile", "chkOccl", "optPSI"};
+        QTest::newRow("report output chooses the file")
+            << QStringList{"optRealTime", "chkOccl", "chkReport"} << occl + QStringList{"optPrinter", "optFile"}
+            << QStringList{"chkSaveFile", "chkOccl", "optPSI", "chkReport", "optFile"};
+        QTest::newRow("report off keeps the printer chosen")
+            << QStringList{"optRealTime", "chkOccl", "chkReport", "optPrinter", "chkReport"} << occl
+            << QStringList{"chkSaveFile", "chkOccl", "optPSI", "optPrinter"};
+        QTest::newRow("single off with occlusion on keeps the test options")
+            << QStringList{"optRealTime", "chkSingle", "chkOccl", "chkSingle"} << occl
+            << QStringList{"chkSaveFile", "optIndefinite", "chkOccl", "optPSI"};
+        QTest::newRow("both tests off take the report off")
+            << QStringList{"optRealTime", "chkSingle", "chkReport", "chkSingle"} << rt
+            << QStringList{"chkSaveFile", "optIndefinite", "optFile"};
+        QTest::newRow("another mode closes the criteria, leaving the ticks")
+            << QStringList{"optRealTime", "chkSingle", "chkOccl", "optDuration", "chkReport", "optGetLog"}
+            << QStringList{} << QStringList{"chkSaveFile", "chkSingle", "optDuration", "chkOccl", "optPSI", "optFile"};
+        QTest::newRow("Real-Time again starts with both tests off")
+            << QStringList{"optRealTime", "chkSingle", "chkOccl", "optDuration", "chkReport", "optGetLog",
+                           "optRealTime"}
+            << rt << QStringList{"chkSaveFile", "optDuration", "optPSI", "optFile"};
+    }
+    void enable_rules() {
+        QFETCH(QStringList, clicks);
+        QFETCH(QStringList, enabled);
+        QFETCH(QStringList, on);
+        test::install_test_services();
+        frmDownload* f = test::open_fresh<frmDownload>();
+        operate(f, clicks);
+        QStringList want;
+        for (const QString& name : criteria)
+            if (enabled.contains(name)) want << name;
+        QCOMPARE(enabled_of(f), want);
+        want.clear();
+        for (const QString& name : options)
+            if (on.contains(name)) want << name;
+        QCOMPARE(checked_of(f), want);
+    }
+
+    // OK: the two error boxes, the choice in the program-wide state, and the
+    // hand-over to whoever starts the run.
+    void ok_outcomes_data() {
+        QTest::addColumn<QStringList>("clicks");
+        QTest::addColumn<bool>("run_may_go_on");  // what the run's evaluation decides
+        QTest::addColumn<QStringList>("boxes");
+        QTest::addColumn<int>("accepted");
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<QString>("channel");
+        QTest::newRow("no mode; the channel is still read")
+            << QStringList{"optChannelC", "CmdOK"} << true << QStringList{no_mode} << 0 << " " << "C";
+        QTest::newRow("Real-Time with neither test")
+            << QStringList{"optRealTime", "CmdOK"} << true << QStringList{incomplete} << 0 << "3" << "A";
+        QTest::newRow("single rate with the first poll interval")
+            << QStringList{"optRealTime", "chkSingle", "CmdOK"} << true << QStringList{} << 1 << "3" << "A";
+        QTest::newRow("occlusion alone on channel D")
+            << QStringList{"optChannelD", "optRealTime", "chkOccl", "CmdOK"} << true << QStringList{} << 1 << "3"
+            << "D";
+        QTest::newRow("a given-up file dialog keeps the dialog open")
+            << QStringList{"optChannelB", "optGetLog", "CmdOK"} << false << QStringList{} << 1 << "2" << "B";
+        QTest::newRow("an earlier complete OK lets an incomplete one pass")
+            << QStringList{"optRealTime", "chkSingle", "CmdOK", "chkSingle", "CmdOK"} << false << QStringList{} << 2
+            << "3" << "A";
+    }
+    void ok_outcomes() {
+        QFETCH(QStringList, clicks);
+        QFETCH(bool, run_may_go_on);
+        QFETCH(QStringList, boxes);
+        QFETCH(int, accepted);
+        QFETCH(QString, mode);
+        QFETCH(QString, channel);
+        auto t = test::install_test_services();
+        shared().run.summary_header_open = true;  // left from an earlier run
+        frmDownload* f = test::open_fresh<frmDownload>();
+        QVERIFY(!shared().run.summary_header_open);
+        int signals_seen = 0;
+        connect(f, &frmDownload::options_accepted, f, [&] {
+            ++signals_seen;
+            shared().run.download_ok = run_may_go_on;
+        });
+        t.boxes->expect(static_cast<std::size_t>(boxes.size()));
+        operate(f, clicks);
+        QCOMPARE(int(t.boxes->shown.size()), int(boxes.size()));
+        for (int i = 0; i < boxes.size(); ++i) test::expect_box(t.boxes->shown[i], boxes[i].toStdString(), 16, "ERROR");
+        QCOMPARE(signals_seen, accepted);
+        QCOMPARE(QString(QChar(shared().run.download_mode)), mode);
+        QCOMPARE(QString(QChar(shared().port.channel)), channel);
+        const bool handed_over = accepted > 0 && run_may_go_on;
+        QCOMPARE(f->isHidden(), handed_over);
+        QCOMPARE(shared().run.summary_header_open, handed_over);
+        QVERIFY(forms::is_loaded<frmDownload>());
+    }
+
+    // The value the run reads in place of the hidden dialog's controls.
+    void choice_data() {
+        QTest::addColumn<QStringList>("clicks");
+        QTest::addColumn<DownloadChoice>("expected");
+        QTest::newRow("fresh form") << QStringList{} << fresh();
+        DownloadChoice timed = fresh();
+        timed.download_mode = '3';
+        timed.channel = 'C';
+        timed.single_rate = true;
+        timed.run_indefinitely = false;
+        timed.duration_minutes = "10.0";
+        timed.poll_seconds = 300;
+        timed.start_automatically = true;
+        QTest::newRow("timed single rate on C")
+            << QStringList{"optChannelC", "optRealTime", "chkSingle", "optDuration", "pick:cmbDuration=5",
+                           "pick:cmbPoll=4", "chkTestAuto"}
+            << timed;
+        DownloadChoice occl = fresh();
+        occl.download_mode = '3';
+        occl.save_to_file = false;
+        occl.occlusion = true;
+        occl.occlusion_minutes = "10";
+        occl.occlusion_unit = OcclusionUnit::kpa;
+        occl.report_output = true;
+        occl.summary_to_printer = true;
+        QTest::newRow("occlusion in kPa, summary printed, nothing saved")
+            << QStringList{"chkSaveFile", "optRealTime", "chkOccl", "pick:cmbOccl=5", "optkPa", "chkReport",
+                           "optPrinter"}
+            << occl;
+        DownloadChoice mmhg = fresh();
+        mmhg.download_mode = '3';
+        mmhg.occlusion_unit = OcclusionUnit::mmhg;
+        QTest::newRow("the unit stays after occlusion is off")
+            << QStringList{"optRealTime", "chkOccl", "optmmHg", "chkOccl"} << mmhg;
+        DownloadChoice summary = fresh();
+        summary.download_mode = '1';
+        summary.channel = 'B';
+        QTest::newRow("summary of B") << QStringList{"optChannelB", "optGetSummary"} << summary;
+    }
+    void choice() {
+        QFETCH(QStringList, clicks);
+        QFETCH(DownloadChoice, expected);
+        test::install_test_services();
+        frmDownload* f = test::open_fresh<frmDownload>();
+        operate(f, clicks);
+        const DownloadChoice c = f->choice();
+        QVERIFY2(c == expected, qPrintable(describe(c) + "\n   expected " + describe(expected)));
+    }
+};
+
+QTEST_MAIN(tst_download)
+#include "tst_download.moc"
