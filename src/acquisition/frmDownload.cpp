@@ -4,6 +4,7 @@
 
 #include <initializer_list>
 
+#include "app/frmMain.h"
 #include "common/box_message.h"
 #include "common/forms.h"
 #include "common/message_boxes.h"
@@ -39,6 +40,7 @@ frmDownload::frmDownload(QWidget* parent) : QDialog(parent), ui(new Ui::frmDownl
     connect(ui->optDuration, &QRadioButton::toggled, this, &frmDownload::optDuration_Click);
     connect(ui->optIndefinite, &QRadioButton::toggled, this, &frmDownload::optIndefinite_Click);
     connect(ui->CmdOK, &QPushButton::clicked, this, &frmDownload::CmdOK_Click);
+    connect(this, &frmDownload::options_accepted, this, &frmDownload::evaluate_download_options);
     connect(ui->cmdCancel, &QPushButton::clicked, this, &frmDownload::cmdCancel_Click);
 
     adjustSize();
@@ -222,6 +224,14 @@ void frmDownload::CmdOK_Click() {
     if (!self || !shared().run.download_ok) return;
     shared().run.summary_header_open = true;
     hide();
+    // The main window opens the capture or test screen at its activation,
+    // also where no window manager hands the activation over.
+    if (frmMain* m = forms::loaded<frmMain>()) {
+        m->activateWindow();
+        m->Form_Activate();
+    }
 }
+
+bool frmDownload::ui_save_to_file() const { return ui->chkSaveFile->isChecked(); }
 
 void frmDownload::cmdCancel_Click() { forms::unload<frmDownload>(); }

@@ -45,6 +45,12 @@ public:
     void CmdOK_Click();
     void cmdCancel_Click();
 
+    // The central decision at OK: the files asked for, the header filled in,
+    // the capture screen prepared and the first command sent. Sets download_ok
+    // when the run may go on. A summary, a data log and any text are
+    // captured; the live tests are started from here once their screens exist.
+    void evaluate_download_options();
+
     // Set by get_download_options and never cleared while the form is loaded:
     // once a press of OK has passed a check, later presses pass it too.
     bool mode_chosen = false;
@@ -58,6 +64,9 @@ signals:
     void options_accepted();
 
 private:
+    void start_capture(char mode);
+    bool ui_save_to_file() const;
+
     // The click rules. A check box's rule also runs when a rule of the form
     // changes its state, and an option's rule when a rule turns it on, so the
     // controls it governs always follow it.

@@ -1,0 +1,187 @@
+// Downloads as a technician makes them: the main window on a real serial
+// line whose Comm 1 is the simulated analyser, the download dialog, the test
+// header, the capture screen, and the files on disk.
+
+#include <QtTest>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+
+#include "acquisition/frmDownload.h"
+#include "acquisition/frmHeader.h"
+#include "app/form_registry.h"
+#include "app/frmMain.h"
+#include "common/file_text.h"
+#include "common/forms.h"
+#include "common/qt_text.h"
+#include "link/qt_serial_line.h"
+#include "reports/frmReports.h"
+#include "support/analyser_sim.h"
+#include "support/form_script.h"
+#include "support/test_services.h"
+
+using namespace kyt;
+
+namespace {
+
+struct Console {
+    test::TestServices t;
+    QTemporaryDir work;
+};
+
+// The console on a real line to the simulator behind Comm 1, saving into a
+// folder of its own.
+void start_console(Console& c, const test::Sim& sim) {
+    c.t = test::install_test_services();
+    c.t.settings->save_setting("kyt", "Ports", "comm1", ss(sim.link));
+    for (const char* key : {"comm2", "comm3", "comm4"})
+        c.t.settings->save_setting("kyt", "Ports", key, "/nonexistent/kyt-port");
+    c.t.settings->save_setting("kyt", "Startup", "comm", "1");
+    c.t.settings->save_setting("kyt", "Startup", "savedir", ss(c.work.path()));
+    services().serial = std::make_unique<QtSerialLine>(*c.t.settings);
+    forms::get<frmMain>();
+}
+
+template <class W>
+W* child(QWidget* form, const char* name) {
+    return form->findChild<W*>(name);
+}
+
+// The dialog with a channel and a mode chosen, Save to File as asked, OK pressed.
+void download(char channel, const char* mode, bool save_file) {
+    frmDownload* d = forms::get<frmDownload>();
+    d->show();
+    child<QRadioButton>(d, qPrintable(QString("optChannel") + channel))->setChecked(true);
+    child<QRadioButton>(d, mode)->setChecked(true);
+    child<QCheckBox>(d, "chkSaveFile")->setChecked(save_file);
+    child<QPushButton>(d, "CmdOK")->click();
+}
+
+// Fills the modal header once it is up and goes on.
+void fill_header_when_shown() {
+    QTimer::singleShot(0, [] {
+        frmHeader* h = forms::loaded<frmHeader>();
+        QVERIFY(h);
+        child<QComboBox>(h, "cmbHdr_0")->setEditText("Acme Pumps");
+        child<QComboBox>(h, "cmbHdr_3")->setEditText("Volumat X");
+        child<QLineEdit>(h, "txtSerialNo")->setText("SN-1");
+        child<QComboBox>(h, "cmbHdr_2")->setEditText("J. Doe");
+        child<QPushButton>(h, "cmdContinue")->click();
+    });
+}
+
+QString shown(frmReports* r) { return child<QPlainTextEdit>(r, "txtData")->toPlainText(); }
+
+// A summary with a header, saved to a file: what the file holds.
+std::string summary_download(const QStringList& sim_args, const QString& file) {
+    test::Sim sim(sim_args);
+    if (!sim.ready()) return "no simulator";
+    Console c;
+    start_console(c, sim);
+    const QString target = c.work.filePath(file);
+    c.t.dialogs->queue(ss(target));
+    fill_header_when_shown();
+    download('A', "optGetSummary", true);
+    frmReports* r = forms::loaded<frmReports>();
+    if (!r || !r->isVisible()) return "no capture screen";
+    if (!QTest::qWaitFor([&] { return shown(r).contains("End Of Download"); }, 20000)) return "no end";
+    child<QPushButton>(r, "cmdSave")->click();
+    const auto text = read_text_file(ss(target));
+    forms::unload<frmReports>();
+    forms::unload<frmDownload>();
+    forms::unload<frmMain>();
+    test::flush_deletes();
+    services().serial.reset();
+    return text.value_or("unreadable");
+}
+
+}  // namespace
+
+class tst_download_e2e : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase() {
+        register_all_forms();
+        forms::register_form<frmDownload>();
+        forms::register_form<frmReports>();
+    }
+
+    // A summary with the header filled in lands in its file with the header
+    // fields in place; a line that splits replies and damages line ends
+    // gives the same bytes.
+    void summary_with_header() {
+        const std::string clean = summary_download({"--seed", "3"}, "clean.sum");
+        QVERIFY2(clean.find("SUMMARY") != std::string::npos, clean.c_str());
+        QVERIFY(clean.find("Acme Pumps") != std::string::npos);
+        QVERIFY(clean.find("SN-1") != std::string::npos);
+        QVERIFY(clean.find("J. Doe") != std::string::npos);
+        QVERIFY(clean.find('\a') == std::string::npos);
+        const std::string rough = summary_download({"--seed", "3", "--split", "--damage-line-ends"}, "rough.sum");
+        QVERIFY(rough == clean);
+    }
+
+    // A data log without a file: the capture goes to tempfile.dat, in order.
+    void log_to_the_capture_file() {
+        test::Sim sim({"--seed", "4"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        download('B', "optGetLog", false);
+        frmReports* r = forms::loaded<frmReports>();
+        QVERIFY(r && r->is_capture_panel());
+        QTRY_VERIFY_WITH_TIMEOUT(shown(r).contains("End Of Download"), 20000);
+        const auto text = read_text_file(ss(c.work.filePath("tempfile.dat")));
+        QVERIFY(text);
+        const std::size_t head = text->find("Elapsed"), end = text->find("END OF DATA");
+        QVERIFY(head != std::string::npos && end != std::string::npos && head < end);
+        QVERIFY(text->find("00:30:00") != std::string::npos);
+        QVERIFY(!shared().run.report_pending);
+    }
+
+    // Receive Any waits until the operator stops it; the form stays.
+    void receive_any_until_stopped() {
+        test::Sim sim({});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        download('A', "optReceiveAny", false);
+        frmReports* r = forms::loaded<frmReports>();
+        QVERIFY(r);
+        QVERIFY(shown(r).contains("Waiting for Serial Input"));
+        auto* stop = child<QPushButton>(r, "cmdCancel");
+        QCOMPARE(stop->text(), QString("Stop"));
+        stop->click();
+        QCOMPARE(stop->text(), QString("Cancel"));
+        QVERIFY(!r->GetDataTimer.isActive());
+        QVERIFY(forms::is_loaded<frmReports>());
+    }
+
+    // A channel without a pump: the message, and back to the main window.
+    void channel_without_a_pump() {
+        test::Sim sim({"--channels", "ABC"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        c.t.boxes->expect();
+        download('D', "optGetSummary", false);
+        QTRY_VERIFY_WITH_TIMEOUT(!forms::is_loaded<frmReports>(), 10000);
+        QCOMPARE(c.t.boxes->shown.size(), std::size_t(1));
+        QCOMPARE(c.t.boxes->shown[0].text, std::string("Current channel selected is not connected."));
+        QVERIFY(!shared().run.report_pending);
+        QVERIFY(forms::loaded<frmMain>()->isEnabled());
+    }
+
+    void cleanup() {
+        forms::unload<frmReports>();
+        forms::unload<frmDownload>();
+        forms::unload<frmMain>();
+        test::flush_deletes();
+        services().serial.reset();
+    }
+};
+
+QTEST_MAIN(tst_download_e2e)
+#include "tst_download_e2e.moc"
