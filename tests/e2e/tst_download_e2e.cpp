@@ -17,7 +17,10 @@
 #include "common/file_text.h"
 #include "common/forms.h"
 #include "common/qt_text.h"
+#include "common/text.h"
+#include "link/protocol.h"
 #include "link/qt_serial_line.h"
+#include "reports/capture.h"
 #include "reports/frmReports.h"
 #include "support/analyser_sim.h"
 #include "support/form_script.h"
@@ -139,6 +142,45 @@ private slots:
         QVERIFY(head != std::string::npos && end != std::string::npos && head < end);
         QVERIFY(text->find("00:30:00") != std::string::npos);
         QVERIFY(!shared().run.report_pending);
+    }
+
+    // A log far longer than the capture screen keeps in hand: the file is
+    // whole and in order, every page and every row.
+    void long_log_in_pages() {
+        test::Sim sim({"--speed", "7200", "--seed", "6"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        services().serial->output(command_start_test('C', test_single_rate));
+        QTest::qWait(8000);  // some sixteen hours of test on the analyser's clock
+        const QString target = c.work.filePath("long.log");
+        c.t.dialogs->queue(ss(target));
+        fill_header_when_shown();
+        download('C', "optGetLog", true);
+        frmReports* r = forms::loaded<frmReports>();
+        QVERIFY(r);
+        QTRY_VERIFY_WITH_TIMEOUT(shown(r).contains("End Of Download"), 60000);
+        child<QPushButton>(r, "cmdSave")->click();
+        const auto text = read_text_file(ss(target));
+        QVERIFY(text);
+        QVERIFY2(text->size() > 3 * capture_text_limit, qPrintable(QString::number(text->size())));
+        // Every row once, 30 s after the one before, across all the pages.
+        int rows = 0, last = 0, pages = 1;
+        std::size_t pos = 0;
+        std::string_view line;
+        while (next_line(*text, pos, line)) {
+            if (line.find("p. ") != std::string_view::npos && line.find("p. 01") == std::string_view::npos) ++pages;
+            const std::string_view t = trim_view(line);
+            if (t.size() < 8 || t[2] != ':' || t[5] != ':') continue;
+            const int seconds = std::stoi(std::string(t.substr(0, 2))) * 3600 +
+                                std::stoi(std::string(t.substr(3, 2))) * 60 + std::stoi(std::string(t.substr(6, 2)));
+            if (rows > 0) QCOMPARE(seconds, last + 30);
+            last = seconds;
+            ++rows;
+        }
+        QVERIFY2(rows > 1000, qPrintable(QString::number(rows)));
+        QVERIFY(pages > 20);
+        QVERIFY(text->find("END OF DATA") > text->rfind("p. "));
     }
 
     // Receive Any waits until the operator stops it; the form stays.
