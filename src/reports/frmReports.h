@@ -39,6 +39,9 @@ public:
     // anything) the waiting text and a Stop button.
     void prepare_capture(kyt::CaptureSetup setup);
 
+    // How much report text the capture holds in hand; long transfers keep
+    // it near the edit limit by moving their middle to overflow pages.
+    std::size_t held_text_length() const { return capture_ ? capture_->report_text().size() : 0; }
     void GetDataTimer_Timer();
     void cmdCancel_Click();
     // Copies the received transfer (tempfile.dat) to the report's file name
