@@ -83,7 +83,7 @@ void frmDownload::start_capture(char mode) {
         run.download_ok = chosen;
     } else {
         run.download_ok = true;
-        s.dirs.file_name = s.dirs.save_dir + "/" + std::string(tempfile_name);
+        s.dirs.file_name = tempfile_path(s.dirs.save_dir);
         report->setWindowTitle("REPORT");
     }
     if (!run.download_ok) return;

@@ -18,6 +18,7 @@
 #include "common/shared_state.h"
 #include "link/global_comm.h"
 #include "link/serial_line.h"
+#include "reports/capture.h"
 #include "ui_frmMain.h"
 
 using namespace kyt;
@@ -168,7 +169,7 @@ bool frmMain::exit_kyt() {
     else
         answer = msg_box("Are you sure want to quit KYT?", box_ask, title);
     if (answer != answer_yes) return false;
-    const QString temp = qs(shared().dirs.save_dir) + QDir::separator() + "tempfile.dat";
+    const QString temp = qs(tempfile_path(shared().dirs.save_dir));
     if (QFile::exists(temp)) QFile::remove(temp);
     return true;
 }

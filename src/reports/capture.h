@@ -28,6 +28,7 @@ inline constexpr std::string_view end_of_download_text = "                      
 // The file in the save folder that takes each finished transfer, and what
 // is told when it cannot be written and no other name is chosen.
 inline constexpr std::string_view tempfile_name = "tempfile.dat";
+inline std::string tempfile_path(const std::string& save_dir) { return save_dir + "/" + std::string(tempfile_name); }
 inline const BoxMessage tempfile_bad_name{"Bad report file name", "INVALID FILE NAME", box_exclamation};
 inline const BoxMessage tempfile_save_cancelled{"Saving report cancelled.", "SAVE CANCEL", box_exclamation};
 

@@ -240,7 +240,7 @@ void frmReports::end_of_transfer(const std::string& tempfile_text) {
 // turn; false when none was chosen.
 bool frmReports::write_tempfile(const std::string& text) {
     SharedState& s = shared();
-    s.dirs.file_name = s.dirs.save_dir + kSep + std::string(tempfile_name);
+    s.dirs.file_name = tempfile_path(s.dirs.save_dir);
     while (!write_text_file(s.dirs.file_name, text)) {
         tell(tempfile_bad_name);
         CommonDialog& d = common_dialog();
@@ -271,7 +271,7 @@ void frmReports::cmdSave_Click() {
         bool copied;
         {
             const WaitCursor busy;
-            copied = copy_file_whole(shared().dirs.save_dir + kSep + std::string(tempfile_name), name);
+            copied = copy_file_whole(tempfile_path(shared().dirs.save_dir), name);
         }
         if (!copied) {
             // Nothing is lost: the received text stays in tempfile.dat and
