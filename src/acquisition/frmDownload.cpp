@@ -53,6 +53,9 @@ frmDownload::frmDownload(QWidget* parent) : QDialog(parent), ui(new Ui::frmDownl
     ui->cmbDuration->setCurrentIndex(0);
     ui->cmbOccl->setCurrentIndex(0);
     disable_realtime_criteria();
+    // A live test needs its screens; a build without them offers no
+    // real-time mode rather than start a test that nothing would follow.
+    ui->optRealTime->setEnabled(forms::has_factory("frmRTGraph") && forms::has_factory("frmOTGraph"));
 }
 
 frmDownload::~frmDownload() { delete ui; }

@@ -46,10 +46,15 @@ public:
     void cmdCancel_Click();
 
     // The central decision at OK: the files asked for, the header filled in,
-    // the capture screen prepared and the first command sent. Sets download_ok
-    // when the run may go on. A summary, a data log and any text are
-    // captured; the live tests are started from here once their screens exist.
+    // the capture screen prepared or the log head written, and the first
+    // command sent. Sets download_ok when the run may go on.
     void evaluate_download_options();
+
+    // Open the log of the single-rate or occlusion test and write its head,
+    // when the run saves to files. A name that cannot be written is asked
+    // for again; giving that up clears download_ok.
+    void write_RTfile_header();
+    void write_OTfile_header();
 
     // Set by get_download_options and never cleared while the form is loaded:
     // once a press of OK has passed a check, later presses pass it too.
@@ -65,6 +70,9 @@ signals:
 
 private:
     void start_capture(char mode);
+    void start_realtime();
+    void write_file_header(bool single_rate);
+    void abandon_realtime();
     bool ui_save_to_file() const;
 
     // The click rules. A check box's rule also runs when a rule of the form

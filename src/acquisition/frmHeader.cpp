@@ -40,6 +40,8 @@ frmHeader::frmHeader(QWidget* parent)
 
 frmHeader::~frmHeader() { delete ui; }
 
+void frmHeader::show_mandatory_legend() { ui->lblMandatoryFields->setVisible(true); }
+
 QWidget* frmHeader::control(int field) const {
     if (field == kSerialField) return ui->txtSerialNo;
     if (field == kControlField) return ui->txtControlNo;

@@ -34,6 +34,9 @@ public:
     // to the first one that is not.
     bool verifyMandatoryFields();
     void cmdContinue_Click();
+    // Shows the legend that bold fields are mandatory: a single-rate test
+    // must have its set rate.
+    void show_mandatory_legend();
     // Cancels the save the header was asked for. No control of the dialog
     // calls it; the close box does not.
     void cancel_header_save();

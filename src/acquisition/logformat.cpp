@@ -139,6 +139,18 @@ bool LogFile::write(std::string_view piece) {
     return static_cast<bool>(out_);
 }
 
+RunLogs& run_logs() {
+    static RunLogs logs;
+    return logs;
+}
+
+bool start_log(DataLog& log, LogFile& file, const std::string& path, const ReportRec& rec, char channel,
+               const CivilTime& now) {
+    if (file.open(path) && file.write(log.head(rec, channel, now))) return true;
+    file.close();
+    return false;
+}
+
 std::string summary_file_text(std::string collected, const ReportRec& rec, bool header_entered,
                               char download_mode) {
     std::string text = cut_at_tech(std::move(collected));

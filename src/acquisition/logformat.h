@@ -118,6 +118,27 @@ private:
     std::ofstream out_;
 };
 
+// The two logs a run may write, one after the other: each keeps its page
+// counting and its own file from its head until it is closed. The download
+// dialog writes the heads, the test screens the rows and the close.
+struct RunLogs {
+    SingleRateLog rt;
+    LogFile rt_file;
+    OcclusionLog ot;
+    LogFile ot_file;
+    // Set once an occlusion head is written; cleared when a failed head's
+    // new name is given up.
+    bool ot_log_open = false;
+};
+
+// The one pair of the program.
+RunLogs& run_logs();
+
+// Opens `path` replacing any content and writes the head of `log` into it.
+// False, with the file closed, when the file cannot be opened or written.
+bool start_log(DataLog& log, LogFile& file, const std::string& path, const ReportRec& rec, char channel,
+               const CivilTime& now);
+
 // The bytes of a summary file from the text collected up to its character 7:
 // cut at "Tech"; with a header entered, the pump type and technician lines
 // added and the header fields written into the text; one more line end.

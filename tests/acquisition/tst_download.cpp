@@ -1,7 +1,13 @@
 #include <QtTest>
 
+#include <QLabel>
+#include <QPushButton>
+
 #include "acquisition/download_choice.h"
 #include "acquisition/frmDownload.h"
+#include "acquisition/frmHeader.h"
+#include "acquisition/logformat.h"
+#include "common/file_text.h"
 #include "common/forms.h"
 #include "common/shared_state.h"
 #include "support/form_script.h"
@@ -68,15 +74,35 @@ DownloadChoice fresh() {
 
 const QString no_mode = "You must select a Channel or a Mode type.";
 const QString incomplete = "You must complete the Real Time criteria.";
+const QString start_by_hand = "Please start Marovant and then press 'OK'";
+const QString gave_up = "Saving file cancelled";
+
+// What a log file holds after the start of a run: "" when it is empty, else
+// the name of its test as its head gives it; "missing" when there is none.
+QString log_state(const QString& path) {
+    const auto text = read_text_file(path.toStdString());
+    if (!text) return "missing";
+    if (text->empty()) return "";
+    for (const char* test : {"SINGLE RATE TEST", "OCCLUSION PRESSURE TEST"})
+        if (text->find(test) != std::string::npos) return test;
+    return "other";
+}
 
 }  // namespace
 
 class tst_download : public QObject {
     Q_OBJECT
 private slots:
+    void initTestCase() {
+        // The live test screens' names, so that the dialog offers real time.
+        for (const char* screen : {"frmRTGraph", "frmOTGraph"})
+            forms::register_factory(screen, [] { return new QWidget; });
+    }
+
     void cleanup() {
         forms::unload<frmDownload>();
         test::flush_deletes();
+        for (LogFile* f : {&run_logs().rt_file, &run_logs().ot_file}) f->close();
     }
 
     // The criteria open and close as the operator clicks; the options the
@@ -158,15 +184,16 @@ private slots:
         QTest::newRow("Real-Time with neither test")
             << QStringList{"optRealTime", "CmdOK"} << true << QStringList{incomplete} << 0 << "3" << "A";
         QTest::newRow("single rate with the first poll interval")
-            << QStringList{"optRealTime", "chkSingle", "CmdOK"} << true << QStringList{} << 1 << "3" << "A";
+            << QStringList{"chkSaveFile", "optRealTime", "chkSingle", "chkTestAuto", "CmdOK"} << true << QStringList{} << 1
+            << "3" << "A";
         QTest::newRow("occlusion alone on channel D")
-            << QStringList{"optChannelD", "optRealTime", "chkOccl", "CmdOK"} << true << QStringList{} << 1 << "3"
+            << QStringList{"chkSaveFile", "optChannelD", "optRealTime", "chkOccl", "chkTestAuto", "CmdOK"} << true << QStringList{} << 1 << "3"
             << "D";
         QTest::newRow("a given-up file dialog keeps the dialog open")
             << QStringList{"optChannelB", "optGetLog", "CmdOK"} << false << QStringList{"Saving file cancelled"} << 1
             << "2" << "B";
         QTest::newRow("an earlier complete OK lets an incomplete one pass")
-            << QStringList{"optRealTime", "chkSingle", "CmdOK", "chkSingle", "CmdOK"} << false << QStringList{} << 2
+            << QStringList{"chkSaveFile", "optRealTime", "chkSingle", "chkTestAuto", "CmdOK", "chkSingle", "CmdOK"} << false << QStringList{} << 2
             << "3" << "A";
     }
     void ok_outcomes() {
@@ -177,6 +204,7 @@ private slots:
         QFETCH(QString, mode);
         QFETCH(QString, channel);
         auto t = test::install_test_services();
+        t.serial->set_port_open(true);
         shared().run.summary_header_open = true;  // left from an earlier run
         frmDownload* f = test::open_fresh<frmDownload>();
         QVERIFY(!shared().run.summary_header_open);
@@ -199,6 +227,104 @@ private slots:
         QCOMPARE(f->isHidden(), handed_over);
         QCOMPARE(shared().run.summary_header_open, handed_over);
         QVERIFY(forms::is_loaded<frmDownload>());
+    }
+
+    // The start of a live test run: the Save dialogs in order, each of which
+    // can end it, the head of the first test's log, the box that asks for a
+    // start by hand, and the command that starts or joins the test.
+    void real_time_start_data() {
+        QTest::addColumn<QStringList>("clicks");
+        QTest::addColumn<QStringList>("names");   // answers of the Save dialogs; "" gives up
+        QTest::addColumn<QString>("set_rate");    // typed into the header; none asked when empty
+        QTest::addColumn<QStringList>("titles");  // of the Save dialogs shown
+        QTest::addColumn<QStringList>("boxes");
+        QTest::addColumn<QString>("sent");
+        QTest::addColumn<QString>("pending");     // "rt", "ot" or ""
+        QTest::addColumn<QStringList>("logs");    // state of each named file afterwards
+        const QString rt = "SAVE REAL TIME DATA", ot = "SAVE REAL TIME OCCLUSION DATA";
+        const QString rt_sum = "SAVE REAL TIME DATA SUMMARY", ot_sum = "SAVE REAL TIME OCCLUSION DATA SUMMARY";
+        QTest::newRow("single rate with a header, started by hand")
+            << QStringList{"optRealTime", "chkSingle", "CmdOK"} << QStringList{"a.log"} << "100"
+            << QStringList{rt} << QStringList{start_by_hand} << "GRA1\r" << "rt"
+            << QStringList{"SINGLE RATE TEST"};
+        QTest::newRow("both tests and their summaries on C, started automatically")
+            << QStringList{"optChannelC", "optRealTime", "chkSingle", "chkOccl", "chkReport", "chkTestAuto", "CmdOK"}
+            << QStringList{"a.log", "b.log", "a.sum", "b.sum"} << "" << QStringList{rt, ot, rt_sum, ot_sum}
+            << QStringList{} << "RTC1\r" << "rt" << QStringList{"SINGLE RATE TEST", "", "", ""};
+        QTest::newRow("occlusion alone opens its own log")
+            << QStringList{"optRealTime", "chkOccl", "chkTestAuto", "CmdOK"} << QStringList{"b.log"} << ""
+            << QStringList{ot} << QStringList{} << "RTA4\r" << "ot" << QStringList{"OCCLUSION PRESSURE TEST"};
+        QTest::newRow("occlusion unsaved carries the test number left as it was")
+            << QStringList{"chkSaveFile", "optRealTime", "chkOccl", "CmdOK"} << QStringList{} << ""
+            << QStringList{} << QStringList{start_by_hand} << "GRA0\r" << "ot" << QStringList{};
+        QTest::newRow("summary to the printer asks no summary name")
+            << QStringList{"optRealTime", "chkSingle", "chkReport", "optPrinter", "chkTestAuto", "CmdOK"}
+            << QStringList{"a.log"} << "" << QStringList{rt} << QStringList{} << "RTA1\r" << "rt"
+            << QStringList{"SINGLE RATE TEST"};
+        QTest::newRow("the occlusion log given up ends the run")
+            << QStringList{"optRealTime", "chkSingle", "chkOccl", "CmdOK"} << QStringList{"a.log", ""} << ""
+            << QStringList{rt, ot} << QStringList{gave_up} << "" << "" << QStringList{""};
+        QTest::newRow("the summary given up ends the run before any head")
+            << QStringList{"optRealTime", "chkSingle", "chkReport", "CmdOK"} << QStringList{"a.log", ""} << ""
+            << QStringList{rt, rt_sum} << QStringList{gave_up} << "" << "" << QStringList{""};
+        QTest::newRow("a head that cannot be written is asked again")
+            << QStringList{"optRealTime", "chkSingle", "chkTestAuto", "CmdOK"} << QStringList{"/dev/full", "c.log"}
+            << "" << QStringList{rt, rt} << QStringList{"Bad file name for real-time data"} << "RTA1\r" << "rt"
+            << QStringList{"", "SINGLE RATE TEST"};
+        QTest::newRow("giving up the new name ends the run")
+            << QStringList{"optRealTime", "chkOccl", "chkTestAuto", "CmdOK"} << QStringList{"/dev/full", ""} << ""
+            << QStringList{ot, ot} << QStringList{"Error writing occlusion data", gave_up} << "" << ""
+            << QStringList{""};
+    }
+    void real_time_start() {
+        QFETCH(QStringList, clicks);
+        QFETCH(QStringList, names);
+        QFETCH(QString, set_rate);
+        QFETCH(QStringList, titles);
+        QFETCH(QStringList, boxes);
+        QFETCH(QString, sent);
+        QFETCH(QString, pending);
+        QFETCH(QStringList, logs);
+        auto t = test::install_test_services();
+        t.serial->set_port_open(true);
+        QTemporaryDir work;
+        const auto path = [&](const QString& name) { return name.startsWith('/') ? name : work.filePath(name); };
+        for (const QString& name : names) t.dialogs->queue(name.isEmpty() ? "" : path(name).toStdString());
+        shared().run.header_wanted = !set_rate.isEmpty();
+        bool legend_shown = false;
+        // The header is answered once it is up.
+        QTimer header_watch;
+        connect(&header_watch, &QTimer::timeout, [&] {
+            frmHeader* h = forms::loaded<frmHeader>();
+            if (!h || !h->isVisible()) return;
+            header_watch.stop();
+            legend_shown = h->findChild<QLabel*>("lblMandatoryFields")->isVisible();
+            h->findChild<QComboBox*>("cmbHdr_4")->setEditText(set_rate);
+            h->findChild<QPushButton*>("cmdContinue")->click();
+        });
+        if (!set_rate.isEmpty()) header_watch.start(10);
+        t.boxes->expect(static_cast<std::size_t>(boxes.size()));
+        frmDownload* f = test::open_fresh<frmDownload>();
+        operate(f, clicks);
+
+        QStringList asked;
+        for (const auto& r : t.dialogs->requests) asked << QString::fromStdString(r.dialog.title);
+        QCOMPARE(asked, titles);
+        QStringList told;
+        for (const auto& b : t.boxes->shown) told << QString::fromStdString(b.text);
+        QCOMPARE(told, boxes);
+        QCOMPARE(QString::fromStdString(t.serial->sent), sent);
+        const RunState& run = shared().run;
+        QCOMPARE(run.rt_pending, pending == "rt");
+        QCOMPARE(run.ot_pending, pending == "ot");
+        QCOMPARE(run.download_ok, !sent.isEmpty());
+        QCOMPARE(f->isHidden(), !sent.isEmpty());
+        QCOMPARE(legend_shown, !set_rate.isEmpty());
+        for (LogFile* file : {&run_logs().rt_file, &run_logs().ot_file}) file->close();
+        for (int i = 0; i < logs.size(); ++i)
+            if (!names[i].startsWith('/')) QCOMPARE(log_state(path(names[i])), logs[i]);  // not the full device
+        if (!set_rate.isEmpty())
+            QVERIFY(read_text_file(path(names[0]).toStdString())->find("Set Rate(s): 100__") != std::string::npos);
     }
 
     // The value the run reads in place of the hidden dialog's controls.

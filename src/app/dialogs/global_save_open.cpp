@@ -17,15 +17,14 @@ void set_filter(CommonDialog& d, bool log_first) {
     d.default_ext = log_first ? "LOG" : "SUM";
 }
 
-// The save folder becomes the name's folder, and the key follows it.
-void remember(const std::string& name) {
+}  // namespace
+
+void remember_save_folder(const std::string& name) {
     SharedState& s = shared();
     SettingsStore& store = *services().settings;
     s.dirs.save_dir = remember_save_dir(store, s.dirs.save_dir, name);
     store.save_setting(kApp, kStartup, "savedir", s.dirs.save_dir);
 }
-
-}  // namespace
 
 void show_open_dialog() {
     SharedState& s = shared();
@@ -42,7 +41,7 @@ void show_open_dialog() {
         msg_box("Bad file name entered", box_exclamation, "BAD FILE NAME");
     }
     s.dirs.file_name = d.file_name;
-    if (!s.dirs.file_name.empty()) remember(s.dirs.file_name);
+    if (!s.dirs.file_name.empty()) remember_save_folder(s.dirs.file_name);
 }
 
 std::string show_save_dialog() {
@@ -65,7 +64,7 @@ std::string show_save_dialog() {
         msg_box("Saving file cancelled", box_exclamation, "CANCEL SAVE");
         return {};
     }
-    remember(name);
+    remember_save_folder(name);
     return name;
 }
 

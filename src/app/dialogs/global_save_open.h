@@ -20,6 +20,9 @@ void show_open_dialog();
 // the name could not be used. The filter order follows log_file_wanted.
 std::string show_save_dialog();
 
+// The save folder becomes the folder of `name`, and its setting follows it.
+void remember_save_folder(const std::string& name);
+
 // Creates the file empty (an existing one loses its content) to prove that
 // the name can be used; the name, or an empty text after telling why not.
 std::string check_file_name(const std::string& name);
