@@ -1,5 +1,6 @@
 #include "app/form_registry.h"
 
+#include "acquisition/frmDownload.h"
 #include "acquisition/frmHeader.h"
 #include "admin/frmChgPassword.h"
 #include "admin/frmPassWord.h"
@@ -7,14 +8,17 @@
 #include "common/forms.h"
 #include "link/frmChangePort.h"
 #include "link/frmTestPort.h"
+#include "reports/frmReports.h"
 
 void register_all_forms() {
     using namespace kyt::forms;
     // In the order in which shutdown closes them.
     register_form<frmChangePort>();
     register_form<frmChgPassword>();
+    register_form<frmDownload>();
     register_form<frmHeader>();
     register_form<frmPassWord>();
+    register_form<frmReports>();
     register_form<frmTestPort>();
     // The administrator's form is left to close with the program.
     register_form<frmSysAd>(AtExit::stay);

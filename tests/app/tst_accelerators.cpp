@@ -39,8 +39,6 @@ class tst_accelerators : public QObject {
 private slots:
     void initTestCase() {
         register_all_forms();
-        forms::register_form<frmDownload>();
-        forms::register_form<frmReports>();
     }
 
     void every_access_key_acts_data() {

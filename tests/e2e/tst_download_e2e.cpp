@@ -108,8 +108,6 @@ class tst_download_e2e : public QObject {
 private slots:
     void initTestCase() {
         register_all_forms();
-        forms::register_form<frmDownload>();
-        forms::register_form<frmReports>();
     }
 
     // A summary with the header filled in lands in its file with the header
