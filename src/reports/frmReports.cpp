@@ -217,7 +217,9 @@ void frmReports::leave_capture() {
         const WaitCursor busy;
         shared().run.report_pending = false;
         GetDataTimer.stop();
-        stop_current_test();
+        // A line that has closed (the device went away, and that was told)
+        // can carry no stop command.
+        if (services().serial->port_open()) stop_current_test();
     }
     forms::unload<frmReports>();
 }

@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include <QCheckBox>
+#include <QFileInfo>
 #include <QComboBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -211,6 +212,62 @@ private slots:
         QCOMPARE(c.t.boxes->shown.size(), std::size_t(1));
         QCOMPARE(c.t.boxes->shown[0].text, std::string("Current channel selected is not connected."));
         QVERIFY(!shared().run.report_pending);
+        QVERIFY(forms::loaded<frmMain>()->isEnabled());
+    }
+
+    // An analyser that never answers: the screen waits, Cancel ends the
+    // wait, and the chosen file holds nothing half written.
+    void silent_analyser_is_cancelled() {
+        test::Sim sim({"--silent-after", "0"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        const QString target = c.work.filePath("silent.sum");
+        c.t.dialogs->queue(ss(target));
+        fill_header_when_shown();
+        download('A', "optGetSummary", true);
+        frmReports* r = forms::loaded<frmReports>();
+        QVERIFY(r && r->isVisible());
+        QTest::qWait(1500);
+        QVERIFY(r->GetDataTimer.isActive());
+        QCOMPARE(shown(r), QString());
+        QVERIFY(shared().run.report_pending);
+        child<QPushButton>(r, "cmdCancel")->click();
+        test::flush_deletes();
+        QVERIFY(!forms::is_loaded<frmReports>());
+        QVERIFY(!shared().run.report_pending);
+        QCOMPARE(QFileInfo(target).size(), 0);
+        QVERIFY(!QFileInfo::exists(c.work.filePath("tempfile.dat")));
+    }
+
+    // The analyser goes away while a log is coming: one message, the port
+    // closed, what came stays on screen and nothing is stored half.
+    void analyser_vanishes_mid_download() {
+        auto sim = std::make_unique<test::Sim>(QStringList{"--split", "--seed", "8"});
+        QVERIFY(sim->ready());
+        Console c;
+        start_console(c, *sim);
+        const QString target = c.work.filePath("cut.log");
+        c.t.dialogs->queue(ss(target));
+        fill_header_when_shown();
+        download('A', "optGetLog", true);
+        frmReports* r = forms::loaded<frmReports>();
+        QVERIFY(r);
+        QTRY_VERIFY_WITH_TIMEOUT(!shown(r).isEmpty(), 10000);
+        c.t.boxes->expect();
+        sim.reset();
+        QTRY_COMPARE_WITH_TIMEOUT(c.t.boxes->shown.size(), std::size_t(1), 10000);
+        QVERIFY2(c.t.boxes->shown[0].text.find("serial line") != std::string::npos, c.t.boxes->shown[0].text.c_str());
+        QVERIFY(!services().serial->port_open());
+        QTRY_VERIFY(!r->GetDataTimer.isActive());  // its next read meets the loss
+        QVERIFY(!shown(r).contains("End Of Download"));
+        QCOMPARE(QFileInfo(target).size(), 0);
+        // The operator leaves the screen; the console carries on without a
+        // second message.
+        child<QPushButton>(r, "cmdCancel")->click();
+        test::flush_deletes();
+        QVERIFY(!forms::is_loaded<frmReports>());
+        QCOMPARE(c.t.boxes->shown.size(), std::size_t(1));
         QVERIFY(forms::loaded<frmMain>()->isEnabled());
     }
 
