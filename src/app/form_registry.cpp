@@ -8,6 +8,7 @@
 #include "common/forms.h"
 #include "link/frmChangePort.h"
 #include "link/frmTestPort.h"
+#include "reports/frmInProgress.h"
 #include "reports/frmReports.h"
 
 void register_all_forms() {
@@ -17,6 +18,7 @@ void register_all_forms() {
     register_form<frmChgPassword>();
     register_form<frmDownload>();
     register_form<frmHeader>();
+    register_form<frmInProgress>();
     register_form<frmPassWord>();
     register_form<frmReports>();
     register_form<frmTestPort>();

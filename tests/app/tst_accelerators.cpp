@@ -1,9 +1,12 @@
 // Every "&" in a caption is the access key of its control: Alt and the
 // letter act on that control and on no other, on every form of the console.
+// And every control that takes the focus has a name that assistive
+// technology reads out.
 
 #include <QtTest>
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -41,6 +44,28 @@ private slots:
         register_all_forms();
     }
 
+    void every_control_is_named_data() { every_access_key_acts_data(); }
+    void every_control_is_named() {
+        QFETCH(QString, form);
+        auto t = test::install_test_services();
+        t.boxes->allow_any();
+        QWidget* w = form == "frmMain" ? forms::get<frmMain>() : forms::get(form);
+        QVERIFY(w);
+        w->show();
+        QStringList unnamed;
+        for (QWidget* c : w->findChildren<QWidget*>()) {
+            if (c->focusPolicy() == Qt::NoFocus || !c->isVisibleTo(w) || c->isWindow()) continue;
+            if (c->focusProxy()) continue;  // its proxy is the control
+            const QAccessibleInterface* a = QAccessible::queryAccessibleInterface(c);
+            const QString name = a ? a->text(QAccessible::Name).trimmed() : QString();
+            if (name.isEmpty()) unnamed << c->objectName() + " (" + c->metaObject()->className() + ")";
+        }
+        QVERIFY2(unnamed.isEmpty(), qPrintable(unnamed.join(", ")));
+        forms::unload(form);
+        if (form != "frmMain") forms::unload<frmMain>();
+        test::flush_deletes();
+    }
+
     void every_access_key_acts_data() {
         QTest::addColumn<QString>("form");
         QTest::addColumn<int>("keys");  // how many access keys the form shows
@@ -53,6 +78,7 @@ private slots:
         QTest::newRow("frmHeader") << "frmHeader" << 0;
         QTest::newRow("frmDownload") << "frmDownload" << 2;
         QTest::newRow("frmReports") << "frmReports" << 4;
+        QTest::newRow("frmInProgress") << "frmInProgress" << 1;
     }
     void every_access_key_acts() {
         QFETCH(QString, form);
