@@ -6,6 +6,7 @@
 
 #include "app/frmMain.h"
 #include "common/box_message.h"
+#include "common/form_roles.h"
 #include "common/forms.h"
 #include "common/message_boxes.h"
 #include "common/numbers.h"
@@ -214,6 +215,8 @@ void frmDownload::get_download_options() {
 void frmDownload::CmdOK_Click() {
     get_download_options();
     if (!mode_chosen || !channel_chosen) {
+        // A report on screen loses its Print entry until it is shown anew.
+        if (auto* report = dynamic_cast<ReportScreen*>(forms::find("frmReports"))) report->disable_print();
         msg_box("You must select a Channel or a Mode type.", box_critical, "ERROR");
         return;
     }

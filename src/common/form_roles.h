@@ -29,6 +29,8 @@ public:
     // Stops the capture timer, disables the editing entries that need a
     // report in hand, takes the editor's caption, centres and shows it.
     virtual void show_as_editor() = 0;
+    // Disables the Print entry of the File menu.
+    virtual void disable_print() = 0;
 };
 
 }  // namespace kyt

@@ -196,6 +196,8 @@ void frmReports::process_errors(ReplyError error) {
     if (QWidget* main_window = forms::find("frmMain")) main_window->show();
 }
 
+void frmReports::disable_print() { ui->mnuPrint->setEnabled(false); }
+
 void frmReports::cmdCancel_Click() {
     if (setup_.download_mode == '4' && ui->cmdCancel->text() == "Stop") {
         // The operator ends an open-ended receive; the form stays with what

@@ -29,6 +29,7 @@ public:
     void show_as_capture_panel() override;
     bool is_capture_panel() const override;
     void show_as_editor() override;
+    void disable_print() override;
 
     // Run at load: a fresh capture, and the port emptied of what an earlier
     // command left in it.

@@ -8,6 +8,7 @@
 #include "acquisition/frmHeader.h"
 #include "acquisition/logformat.h"
 #include "common/file_text.h"
+#include "reports/frmReports.h"
 #include "common/forms.h"
 #include "common/shared_state.h"
 #include "support/form_script.h"
@@ -94,6 +95,7 @@ class tst_download : public QObject {
     Q_OBJECT
 private slots:
     void initTestCase() {
+        forms::register_form<frmReports>();
         // The live test screens' names, so that the dialog offers real time.
         for (const char* screen : {"frmRTGraph", "frmOTGraph"})
             forms::register_factory(screen, [] { return new QWidget; });
@@ -213,8 +215,14 @@ private slots:
             ++signals_seen;
             shared().run.download_ok = run_may_go_on;
         });
+        // A report on screen with its Print entry on.
+        QWidget* report = forms::get("frmReports");
+        QAction* print = report->findChild<QAction*>("mnuPrint");
+        print->setEnabled(true);
         t.boxes->expect(static_cast<std::size_t>(boxes.size()));
         operate(f, clicks);
+        QCOMPARE(print->isEnabled(), !boxes.contains(no_mode));
+        forms::unload("frmReports");
         QCOMPARE(int(t.boxes->shown.size()), int(boxes.size()));
         for (int i = 0; i < boxes.size(); ++i) {
             QCOMPARE(QString::fromStdString(t.boxes->shown[i].text), boxes[i]);

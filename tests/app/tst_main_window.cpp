@@ -28,6 +28,7 @@ public:
     }
     bool is_capture_panel() const override { return capture_panel; }
     void show_as_editor() override { show(); }
+    void disable_print() override {}
     bool polling = false;
     bool capture_panel = false;
 };
