@@ -35,8 +35,6 @@ std::string ask_save_name(const char* title) {
     return show_save_dialog();
 }
 
-void tell(const BoxMessage& m) { msg_box(m.text, m.style, m.title); }
-
 // The two live tests: the title of the Save dialog for the log, and what the
 // head writer tells.
 struct LiveTestFiles {

@@ -1,6 +1,8 @@
 #include "common/file_text.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -34,6 +36,32 @@ bool write_text_file(const std::string& path, std::string_view text) {
     out.write(text.data(), static_cast<std::streamsize>(text.size()));
     out.close();
     return static_cast<bool>(out);
+}
+
+bool replace_file_whole(const std::string& path, std::string_view text, std::string* why) {
+    const auto fail = [&](int error) {
+        if (why) *why = std::strerror(error);
+        return false;
+    };
+    std::error_code ec;
+    if (std::filesystem::is_directory(path, ec)) return fail(EISDIR);
+    const std::string part = path + ".part";
+    std::FILE* f = std::fopen(part.c_str(), "wb");
+    if (!f) return fail(errno);
+    const bool written = std::fwrite(text.data(), 1, text.size(), f) == text.size() && std::fflush(f) == 0;
+    const int write_error = errno;
+    if (std::fclose(f) != 0 || !written) {
+        const int error = written ? errno : write_error;
+        std::remove(part.c_str());
+        return fail(error);
+    }
+    std::filesystem::rename(part, path, ec);
+    if (ec) {
+        std::remove(part.c_str());
+        if (why) *why = ec.message();
+        return false;
+    }
+    return true;
 }
 
 }  // namespace kyt

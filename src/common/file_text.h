@@ -15,4 +15,9 @@ std::optional<std::string> read_text_file(const std::string& path);
 // Replaces the file with `text`; false when it cannot be opened or written.
 bool write_text_file(const std::string& path, std::string_view text);
 
+// Replaces the file with `text` only once the whole text is written: the
+// text goes to a file beside it first, which then takes the name. On failure
+// the file keeps what it held (or stays absent), and `why` tells the reason.
+bool replace_file_whole(const std::string& path, std::string_view text, std::string* why = nullptr);
+
 }  // namespace kyt

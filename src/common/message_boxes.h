@@ -41,5 +41,6 @@ int box_default_answer(int style);
 
 // Shows a box through the program's message boxes.
 int msg_box(const std::string& text, int style, const std::string& title);
+inline int tell(const BoxMessage& m) { return msg_box(m.text, m.style, m.title); }
 
 }  // namespace kyt

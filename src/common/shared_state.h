@@ -22,7 +22,7 @@ struct Folders {
     std::string default_main_dir, default_save_dir, default_init_dir, default_help_dir;
     std::string file_name;
     std::string rt_log_file, ot_log_file, rt_sum_file, ot_sum_file;
-    std::string summary_file, log_file, receive_file;
+    std::string summary_file, log_file, receive_file, edit_file;
 };
 
 struct RunState {
@@ -38,6 +38,8 @@ struct RunState {
     bool capture_begun = false;
     bool changes_unsaved = false;  // only read at exit; nothing arms it yet
     bool file_appended = false;
+    int file_action = 0;           // 1 overwrite, 0 append, 2 cancel: how a report in hand is stored
+    bool file_confirmed = false;   // a report file was opened, so what is in hand may be stored
     bool log_file_wanted = false;  // chooses the filter order of the Save dialog
     bool summary_header_open = false;
 };

@@ -3,10 +3,10 @@
 #include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
-#include <QSaveFile>
 #include <cmath>
 
 #include "app/dialogs/file_dialogs.h"
+#include "app/dialogs/global_save_open.h"
 #include "app/settings/read_ini.h"
 #include "app/settings/settings_store.h"
 #include "common/clock.h"
@@ -17,8 +17,10 @@
 #include "common/services.h"
 #include "common/shared_state.h"
 #include "common/text.h"
+#include "common/wait_cursor.h"
 #include "link/global_comm.h"
 #include "link/serial_line.h"
+#include "reports/report_file.h"
 #include "ui_frmReports.h"
 
 using namespace kyt;
@@ -29,39 +31,12 @@ namespace {
 constexpr int twips_per_pixel = 15;
 int px(int twips) { return twips / twips_per_pixel; }
 
-// The hourglass while a procedure works, the normal pointer after it.
-struct WaitCursor {
-    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-};
 
-void tell(const BoxMessage& m) { msg_box(m.text, m.style, m.title); }
-
-// The file a received report is saved under, by the kind of download.
-std::string report_file_name(char download_mode) {
-    const Folders& d = shared().dirs;
-    switch (download_mode) {
-        case '4': return trim(d.receive_file);
-        case '1': return trim(d.summary_file);
-        case '2': return trim(d.log_file);
-        default: return {};
-    }
-}
-
-// Copies a whole file. The copy is written beside the target and takes its
-// name only when complete, so a failure leaves no partial file under it.
+// Copies a whole file. The copy takes the target's name only when complete,
+// so a failure leaves no partial file under it.
 bool copy_file_whole(const std::string& from, const std::string& to) {
     const std::optional<std::string> text = read_text_file(from);
-    if (!text) return false;
-    QSaveFile out(qs(to));
-    if (!out.open(QIODevice::WriteOnly)) return false;
-    if (out.write(text->data(), static_cast<qint64>(text->size())) != static_cast<qint64>(text->size())) {
-        out.cancelWriting();
-        return false;
-    }
-    return out.commit();
+    return text && replace_file_whole(to, *text);
 }
 
 }  // namespace
@@ -75,6 +50,7 @@ frmReports::frmReports(QWidget* parent) : QMainWindow(parent), ui(new Ui::frmRep
     connect(&GetDataTimer, &QTimer::timeout, this, &frmReports::GetDataTimer_Timer);
     connect(ui->cmdCancel, &QPushButton::clicked, this, &frmReports::cmdCancel_Click);
     connect(ui->cmdSave, &QPushButton::clicked, this, &frmReports::cmdSave_Click);
+    connect_editor();
     center_form(this);
     initial_setup();
 }
@@ -234,6 +210,8 @@ void frmReports::end_of_transfer(const std::string& tempfile_text) {
     s.report_text = capture_->report_text();
     GetDataTimer.stop();
     if (!write_tempfile(tempfile_text)) return;
+    // Print takes the received transfer from its file.
+    print_source = s.dirs.file_name == tempfile_path(s.dirs.save_dir) ? "screen" : s.dirs.file_name;
     ui->cmdPrint->setEnabled(true);
     if (setup_.save_file) ui->cmdSave->setEnabled(true);
     if (setup_.download_mode == '4') ui->cmdCancel->setText("&Cancel");
@@ -262,15 +240,13 @@ bool frmReports::write_tempfile(const std::string& text) {
             return false;
         }
         s.dirs.file_name = chosen;
-        SettingsStore& store = *services().settings;
-        s.dirs.save_dir = remember_save_dir(store, s.dirs.save_dir, chosen);
-        store.save_setting(kApp, "startup", "savedir", s.dirs.save_dir);
+        remember_save_folder(chosen);
     }
     return true;
 }
 
 void frmReports::cmdSave_Click() {
-    const std::string name = report_file_name(setup_.download_mode);
+    const std::string name = report_file_name(shared().dirs, setup_.download_mode);
     if (!name.empty()) {
         bool copied;
         {

@@ -4,7 +4,8 @@
 // kyt::Capture and carries out what the tick says (show a line, tell an
 // error reply, abandon the capture, or write the finished transfer to
 // tempfile.dat in the save folder). Opened from the main window it is the
-// report editor, whose menus name the editing entries.
+// report editor: open a summary or a data log, edit it, save it, print it or
+// convert it to a spreadsheet file.
 
 #include <QMainWindow>
 #include <QTimer>
@@ -52,6 +53,34 @@ public:
     // capture and closes the form.
     void process_errors(kyt::ReplyError error);
 
+    // The editor.
+    // Asks for a report file and opens it for editing (download mode "5").
+    void mnuOpen_Click();
+    // Puts the text of the file file_name in the box when it is a report.
+    void load_report_file();
+    // Writes the box's text under the name of the current download mode;
+    // false when nothing was written (no name, or the file could not be
+    // written: the text stays in the box).
+    bool write_report_file();
+    // Writes the edited text and leaves.
+    void mnuClose_Click();
+    // Leaves without saving.
+    void mnuQuit_Click();
+    // Writes the report under a new name, when a download has opened a
+    // report with a header.
+    void save_as();
+    // Print and the Print Report entry: asked, then print_screen.
+    void cmdPrint_Click();
+    // Prints the report's file (or the received transfer) with page marks
+    // and the file's name on each page.
+    void print_screen();
+    // Converts a data log to a ".CSV" file beside it.
+    void mnuConvertPrn_Click();
+
+    // What print_screen prints: "screen" (the received transfer in
+    // tempfile.dat), "none" (no report in hand) or a file's name.
+    std::string print_source = "none";
+
     QTimer GetDataTimer;
 
 private:
@@ -59,6 +88,10 @@ private:
     void end_of_transfer(const std::string& tempfile_text);
     bool write_tempfile(const std::string& text);
     void leave_capture();
+    void connect_editor();
+    void enable_editing(bool on);
+    std::string editor_text() const;
+    void save_before_conversion();
 
     Ui::frmReports* ui;
     std::optional<kyt::Capture> capture_;

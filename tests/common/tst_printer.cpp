@@ -16,6 +16,7 @@
 #include "common/services.h"
 #include "support/full_disk.h"
 #include "support/pdf_printer.h"
+#include "support/pdf_text.h"
 #include "support/scripted_boxes.h"
 
 using namespace kyt;
@@ -25,13 +26,7 @@ namespace {
 constexpr double margin_inches = 0.25;  // the PDF page's printable area starts here
 
 using test::FileSizeLimit;
-
-QString run(const QString& program, const QStringList& args) {
-    QProcess p;
-    p.start(program, args);
-    if (!p.waitForFinished(30000) || p.exitCode() != 0) return {};
-    return QString::fromUtf8(p.readAllStandardOutput());
-}
+using namespace kyt::test;
 
 // Carries out a job written as steps: "L:text" a line, "P:text" text on the
 // line, "Z" next print zone, "X:inches", "N" new page, "O:landscape",
@@ -56,41 +51,6 @@ void carry_out(Printer& printer, const QStringList& steps) {
             }
         }
     }
-}
-
-struct PdfWord {
-    int page;
-    double x_inches;  // from the page's left edge
-    QString text;
-};
-
-// Every word of a PDF file with its page and left edge, by pdftotext.
-QList<PdfWord> words_of(const QString& pdf) {
-    QList<PdfWord> words;
-    int page = 0;
-    static const QRegularExpression tag(R"re(<page |<word xMin="([0-9.]+)"[^>]*>([^<]*)</word>)re");
-    for (auto m = tag.globalMatch(run("pdftotext", {"-bbox", pdf, "-"})); m.hasNext();) {
-        const auto match = m.next();
-        if (match.captured(0).startsWith("<page"))
-            ++page;
-        else
-            words.append({page, match.captured(1).toDouble() / 72.0, match.captured(2)});
-    }
-    return words;
-}
-
-int page_count(const QString& pdf) {
-    return QRegularExpression(R"(Pages:\s+(\d+))").match(run("pdfinfo", {pdf})).captured(1).toInt();
-}
-
-bool is_landscape(const QString& pdf) {
-    const auto m = QRegularExpression(R"(Page size:\s+([0-9.]+) x ([0-9.]+))").match(run("pdfinfo", {pdf}));
-    return m.captured(1).toDouble() > m.captured(2).toDouble();
-}
-
-QImage page_image(const QString& pdf, int dpi, const QString& png_stem) {
-    run("pdftoppm", {"-r", QString::number(dpi), "-png", "-singlefile", pdf, png_stem});
-    return QImage(png_stem + ".png");
 }
 
 void fill_chart(Chart& chart) {

@@ -4,6 +4,7 @@
 
 #include <QtTest>
 
+#include <QAction>
 #include <QCheckBox>
 #include <QFileInfo>
 #include <QComboBox>
@@ -25,6 +26,7 @@
 #include "reports/frmReports.h"
 #include "support/analyser_sim.h"
 #include "support/form_script.h"
+#include "support/kyt_tool_run.h"
 #include "support/test_services.h"
 
 using namespace kyt;
@@ -189,6 +191,43 @@ private slots:
         QVERIFY2(rows > 1000, qPrintable(QString::number(rows)));
         QVERIFY(pages > 20);
         QVERIFY(text->find("END OF DATA") > text->rfind("p. "));
+    }
+
+    // A downloaded log, opened in the report editor and converted there,
+    // gives the same spreadsheet file as the command-line tool makes of it.
+    void downloaded_log_converted() {
+        test::Sim sim({"--seed", "5"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        const QString log = c.work.filePath("dl.log");
+        c.t.dialogs->queue(ss(log));
+        fill_header_when_shown();
+        download('A', "optGetLog", true);
+        frmReports* r = forms::loaded<frmReports>();
+        QVERIFY(r);
+        QTRY_VERIFY_WITH_TIMEOUT(shown(r).contains("End Of Download"), 20000);
+        child<QPushButton>(r, "cmdSave")->click();
+        test::flush_deletes();
+
+        QTemporaryDir tool_dir;
+        QVERIFY(QFile::copy(log, tool_dir.filePath("dl.log")));
+        QCOMPARE(run_kyt_tool({"csv", tool_dir.filePath("dl.log")}).exit_code, 0);
+
+        forms::loaded<frmMain>()->findChild<QAction*>("mnuEdit")->trigger();
+        frmReports* editor = forms::loaded<frmReports>();
+        QVERIFY(editor && editor->isVisible());
+        // Open the log, which stores it again before the conversion, and
+        // convert it.
+        c.t.dialogs->queue(ss(log));
+        editor->findChild<QAction*>("mnuOpen")->trigger();
+        c.t.dialogs->queue(ss(log));
+        c.t.boxes->expect();
+        editor->findChild<QAction*>("mnuConvertPrn")->trigger();
+        QCOMPARE(c.t.boxes->shown.back().text, std::string("Successful conversion"));
+        const auto ours = read_text_file(ss(c.work.filePath("dl.CSV")));
+        QVERIFY(ours && ours->find("Elasped") != std::string::npos);
+        QCOMPARE(*ours, read_text_file(ss(tool_dir.filePath("dl.CSV"))).value_or("(none)"));
     }
 
     // Receive Any waits until the operator stops it; the form stays.

@@ -7,6 +7,7 @@
 #include "common/services.h"
 #include "common/shared_state.h"
 #include "common/text.h"
+#include "reports/csv_convert.h"
 
 namespace kyt {
 
@@ -15,6 +16,21 @@ namespace {
 void set_filter(CommonDialog& d, bool log_first) {
     d.filter = log_first ? kLogFirstFilter : kSummaryFirstFilter;
     d.default_ext = log_first ? "LOG" : "SUM";
+}
+
+// The Open dialog with an empty name; the name chosen, whose folder becomes
+// the save folder, or empty when the operator gave up.
+std::string open_and_remember(CommonDialog& d) {
+    d.file_name.clear();
+    d.flags = dlg_open_flags;
+    try {
+        d.file_name = services().dialogs->show_open(d);
+    } catch (const FileDialogError&) {
+        d.file_name.clear();
+        msg_box("Bad file name entered", box_exclamation, "BAD FILE NAME");
+    }
+    if (!d.file_name.empty()) remember_save_folder(d.file_name);
+    return d.file_name;
 }
 
 }  // namespace
@@ -32,16 +48,7 @@ void show_open_dialog() {
     d.initial_dir = s.dirs.save_dir;
     // A report text that matches "*LOG*" offers logs first.
     set_filter(d, contains(s.report_text, "LOG"));
-    d.file_name.clear();
-    d.flags = dlg_open_flags;
-    try {
-        d.file_name = services().dialogs->show_open(d);
-    } catch (const FileDialogError&) {
-        d.file_name.clear();
-        msg_box("Bad file name entered", box_exclamation, "BAD FILE NAME");
-    }
-    s.dirs.file_name = d.file_name;
-    if (!s.dirs.file_name.empty()) remember_save_folder(s.dirs.file_name);
+    s.dirs.file_name = open_and_remember(d);
 }
 
 std::string show_save_dialog() {
@@ -66,6 +73,14 @@ std::string show_save_dialog() {
     }
     remember_save_folder(name);
     return name;
+}
+
+std::string show_csv_save_dialog() {
+    CommonDialog& d = common_dialog();
+    d.default_ext = csv_dialog_extension;
+    d.filter = csv_dialog_filter;
+    d.initial_dir = shared().dirs.save_dir;
+    return open_and_remember(d);
 }
 
 std::string check_file_name(const std::string& name) {

@@ -20,6 +20,11 @@ void show_open_dialog();
 // the name could not be used. The filter order follows log_file_wanted.
 std::string show_save_dialog();
 
+// The log to convert to a spreadsheet file, through the Open dialog with the
+// spreadsheet filter; its folder becomes the save folder. Empty when the
+// operator gave up.
+std::string show_csv_save_dialog();
+
 // The save folder becomes the folder of `name`, and its setting follows it.
 void remember_save_folder(const std::string& name);
 

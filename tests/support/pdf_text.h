@@ -1,0 +1,64 @@
+#pragma once
+// Reading printed PDF files back with poppler's tools: the words with their
+// page and left edge, the page count, the orientation, a page as an image.
+
+#include <QImage>
+#include <QList>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QString>
+#include <QStringList>
+
+namespace kyt::test {
+
+// The standard output of a program, empty when it failed.
+inline QString run(const QString& program, const QStringList& args) {
+    QProcess p;
+    p.start(program, args);
+    if (!p.waitForFinished(30000) || p.exitCode() != 0) return {};
+    return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+struct PdfWord {
+    int page;
+    double x_inches;  // from the page's left edge
+    QString text;
+};
+
+// Every word of a PDF file with its page and left edge, by pdftotext.
+inline QList<PdfWord> words_of(const QString& pdf) {
+    QList<PdfWord> words;
+    int page = 0;
+    static const QRegularExpression tag(R"re(<page |<word xMin="([0-9.]+)"[^>]*>([^<]*)</word>)re");
+    for (auto m = tag.globalMatch(run("pdftotext", {"-bbox", pdf, "-"})); m.hasNext();) {
+        const auto match = m.next();
+        if (match.captured(0).startsWith("<page"))
+            ++page;
+        else
+            words.append({page, match.captured(1).toDouble() / 72.0, match.captured(2)});
+    }
+    return words;
+}
+
+inline int page_count(const QString& pdf) {
+    return QRegularExpression(R"(Pages:\s+(\d+))").match(run("pdfinfo", {pdf})).captured(1).toInt();
+}
+
+inline bool is_landscape(const QString& pdf) {
+    const auto m = QRegularExpression(R"(Page size:\s+([0-9.]+) x ([0-9.]+))").match(run("pdfinfo", {pdf}));
+    return m.captured(1).toDouble() > m.captured(2).toDouble();
+}
+
+inline QImage page_image(const QString& pdf, int dpi, const QString& png_stem) {
+    run("pdftoppm", {"-r", QString::number(dpi), "-png", "-singlefile", pdf, png_stem});
+    return QImage(png_stem + ".png");
+}
+
+// The text of each page, as pdftotext lays it out.
+inline QStringList page_texts(const QString& pdf) {
+    QStringList pages = run("pdftotext", {"-layout", pdf, "-"}).split('\f');
+    if (!pages.isEmpty() && pages.last().trimmed().isEmpty()) pages.removeLast();
+    return pages;
+}
+
+}  // namespace kyt::test
