@@ -8,6 +8,7 @@
 #include "common/forms.h"
 #include "link/frmChangePort.h"
 #include "link/frmTestPort.h"
+#include "reports/frmFileExists.h"
 #include "reports/frmInProgress.h"
 #include "reports/frmReports.h"
 
@@ -22,6 +23,8 @@ void register_all_forms() {
     register_form<frmPassWord>();
     register_form<frmReports>();
     register_form<frmTestPort>();
-    // The administrator's form is left to close with the program.
+    // The administrator's form and the overwrite question are left to close
+    // with the program.
     register_form<frmSysAd>(AtExit::stay);
+    register_form<frmFileExists>(AtExit::stay);
 }

@@ -79,6 +79,7 @@ private slots:
         QTest::newRow("frmDownload") << "frmDownload" << 2;
         QTest::newRow("frmReports") << "frmReports" << 4;
         QTest::newRow("frmInProgress") << "frmInProgress" << 1;
+        QTest::newRow("frmFileExists") << "frmFileExists" << 3;
     }
     void every_access_key_acts() {
         QFETCH(QString, form);

@@ -161,18 +161,24 @@ private slots:
         QCOMPARE(QGuiApplication::clipboard()->text(), clipboard);
     }
 
-    // Save And Exit stores the text as edited; Save on a received report
-    // stores what was received; a folder gone keeps the text in the editor.
+    // Save And Exit and Save As store the text as edited; Save on a
+    // received report stores what was received; Quit stores nothing; a
+    // folder gone keeps the text in the editor.
     void saving_data() {
         QTest::addColumn<QString>("way");
         QTest::addColumn<QStringList>("boxes");
-        QTest::newRow("Save And Exit") << "mnuClose" << QStringList{};
-        QTest::newRow("Save after a download") << "cmdSave" << QStringList{};
-        QTest::newRow("Save And Exit, folder gone") << "gone" << QStringList{"The report could not be saved as "};
+        QTest::addColumn<QString>("stored");  // what out/r.log holds afterwards: "edited", "original" or ""
+        QTest::newRow("Save And Exit") << "mnuClose" << QStringList{} << "edited";
+        QTest::newRow("Quit - no save") << "mnuQuit" << QStringList{} << "original";
+        QTest::newRow("Save As") << "save_as" << QStringList{} << "original";
+        QTest::newRow("Save after a download") << "cmdSave" << QStringList{} << "original";
+        QTest::newRow("Save And Exit, folder gone")
+            << "gone" << QStringList{"The report could not be saved as "} << "";
     }
     void saving() {
         QFETCH(QString, way);
         QFETCH(QStringList, boxes);
+        QFETCH(QString, stored);
         Editor e;
         const std::string original = test_data("logs/single_rate.log");
         QDir(e.work.path()).mkdir("out");
@@ -191,19 +197,24 @@ private slots:
             c.insertText("Checked ");
             if (way == "gone") QDir(e.path("out")).removeRecursively();
             e.t.boxes->expect(boxes.size());
-            e.menu("mnuClose");
+            if (way == "save_as") {
+                shared().run.summary_header_open = true;  // a download has opened a report with a header
+                e.t.dialogs->queue(ss(e.path("out/new.log")));
+                e.form->save_as();
+                QCOMPARE(read_text_file(ss(e.path("out/new.log"))).value_or("(none)"), "Checked " + original);
+            } else {
+                e.menu(qPrintable(way == "gone" ? "mnuClose" : way));
+            }
         }
         test::flush_deletes();
         QCOMPARE(e.boxes().size(), boxes.size());
         for (int i = 0; i < boxes.size(); ++i) QVERIFY(e.boxes()[i].startsWith(boxes[i]));
-        QCOMPARE(forms::is_loaded<frmReports>(), way == "gone");
-        if (way == "gone") {
-            QVERIFY(e.box()->toPlainText().startsWith("Checked "));
-            QVERIFY(!QFileInfo::exists(target));
-            return;
-        }
-        const std::string stored = read_text_file(ss(target)).value_or("(none)");
-        QCOMPARE(stored, way == "cmdSave" ? original : "Checked " + original);
+        QCOMPARE(forms::is_loaded<frmReports>(), way == "gone" || way == "save_as");
+        QVERIFY(!QApplication::overrideCursor());
+        if (way == "gone") QVERIFY(e.box()->toPlainText().startsWith("Checked "));
+        const auto text = read_text_file(ss(target));
+        QCOMPARE(text.has_value(), !stored.isEmpty());
+        if (text) QCOMPARE(*text, stored == "edited" ? "Checked " + original : original);
     }
 
     // Printed to PDF and read back: pages, page marks and file names.
@@ -267,6 +278,7 @@ private slots:
         e.menu("mnuPrint");
         QCOMPARE(e.boxes(), boxes);
         QVERIFY(e.printed().isEmpty());
+        QVERIFY(!QApplication::overrideCursor());
     }
 
     // Options, Convert to CSV: the report in hand is saved first, then the
@@ -296,6 +308,7 @@ private slots:
         e.menu("mnuConvertPrn");
         QCOMPARE(e.boxes(), boxes);
         QCOMPARE(e.t.dialogs->requests.back().dialog.title, std::string("CONVERT TO CSV"));
+        QVERIFY(!QApplication::overrideCursor());
         QVERIFY(read_text_file(ss(e.path("r.log")))->find("00:00:31") != std::string::npos);
         const auto csv = read_text_file(ss(e.path("r.CSV")));
         QCOMPARE(bool(csv), boxes.first() == "Successful conversion");
