@@ -1,0 +1,127 @@
+// The live tests' reading of poll replies, their graph axes and the
+// gathering of the summary, without a window.
+
+#include <QtTest>
+
+#include "acquisition/live_test.h"
+
+using namespace kyt;
+
+Q_DECLARE_METATYPE(kyt::OcclusionUnit)
+
+namespace {
+
+QString shown(const AxisChange& c) {
+    const auto bound = [](const std::optional<double>& v) { return v ? QString::number(*v) : QString("-"); };
+    return bound(c.min) + "/" + bound(c.max);
+}
+
+}  // namespace
+
+class tst_live_test : public QObject {
+    Q_OBJECT
+private slots:
+    void single_rate_reply_data() {
+        QTest::addColumn<QString>("reply");
+        QTest::addColumn<QString>("reading");  // mode h m s flow avg volume pressure
+        QTest::newRow("a full reply") << "A, 01, 02, 03, 99.51, 100.2, 12.34, 12.5" << "A 1 2 3 99.51 100.2 12.34 12.5";
+        QTest::newRow("no comma: the whole text in every field") << " 7.5 " << "7 7 7 7 7.5 7.5 7.5 7.5";
+        QTest::newRow("fewer than eight: the last repeats") << "B,1,2,3,40" << "B 1 2 3 40 40 40 40";
+        QTest::newRow("words read as 0") << "C,xx,2,3,fast,1,2,3" << "C 0 2 3 0 1 2 3";
+        QTest::newRow("hours beyond 16 bits are held") << "A,99999,0,0,1,1,1,1" << "A 32767 0 0 1 1 1 1";
+    }
+    void single_rate_reply() {
+        QFETCH(QString, reply);
+        QFETCH(QString, reading);
+        const RtReading r = process_RTData(reply.toStdString());
+        QCOMPARE(QString("%1 %2 %3 %4 %5 %6 %7 %8")
+                     .arg(QChar(r.mode)).arg(r.hours).arg(r.minutes).arg(r.seconds)
+                     .arg(r.flow).arg(r.avg_flow).arg(r.volume).arg(r.pressure),
+                 reading);
+    }
+
+    void occlusion_reply() {
+        const OtReading r = process_OTData("O, 02, 30, 10.0, 517");
+        QCOMPARE(r.minutes, std::int16_t(2));
+        QCOMPARE(r.seconds, std::int16_t(30));
+        QCOMPARE(r.psi, 10.0);
+        QCOMPARE(r.kpa, 75.1);
+        QCOMPARE(r.mmhg, 517.0);
+    }
+
+    // The single-rate axis over a run of (flow, average) samples.
+    void flow_axis_data() {
+        QTest::addColumn<QString>("set_rate");
+        QTest::addColumn<QList<QPointF>>("samples");
+        QTest::addColumn<QStringList>("changes");  // the initial axis, then one per sample: "min/max", "-" unchanged
+        QTest::newRow("no rate; flow between 0 and 100 moves both on the second sample")
+            << "" << QList<QPointF>{{99, 100.4}, {99.5, 100}, {98, 100}, {103.2, 100}}
+            << QStringList{"50/150", "50/150", "99/100", "98/-", "-/106"};
+        QTest::newRow("an average below 1 gives 0 and 0")
+            << "10" << QList<QPointF>{{0.5, 0.6}} << QStringList{"5/15", "0/0"};
+    }
+    void flow_axis() {
+        QFETCH(QString, set_rate);
+        QFETCH(QList<QPointF>, samples);
+        QFETCH(QStringList, changes);
+        QStringList seen{shown(FlowAxis::initial(set_rate.toStdString()))};
+        FlowAxis axis;
+        for (const QPointF& s : samples) seen << shown(axis.sample(s.x(), s.y()));
+        QCOMPARE(seen, changes);
+    }
+
+    void pressure_axis_data() {
+        QTest::addColumn<OcclusionUnit>("unit");
+        QTest::addColumn<QList<QPointF>>("samples");  // (psi, mmhg)
+        QTest::addColumn<QStringList>("changes");     // title, initial, then per sample
+        QTest::newRow("PSI, first below 1")
+            << OcclusionUnit::psi << QList<QPointF>{{0.4, 20}, {0.2, 10}, {3.7, 190}}
+            << QStringList{"Pressure(PSI)", "0/15", "0/1", "0/-", "-/4"};
+        QTest::newRow("mmHg follows mmHg alone")
+            << OcclusionUnit::mmhg << QList<QPointF>{{1, 300}, {9, 301.5}}
+            << QStringList{"Pressure(mmHg)", "0/800", "150/450", "-/302"};
+        QTest::newRow("kPa graphs PSI times 7.51")
+            << OcclusionUnit::kpa << QList<QPointF>{{10, 517}} << QStringList{"Pressure(kPa)", "0/100", "37.5/112.5"};
+    }
+    void pressure_axis() {
+        QFETCH(OcclusionUnit, unit);
+        QFETCH(QList<QPointF>, samples);
+        QFETCH(QStringList, changes);
+        PressureAxis axis(unit);
+        QStringList seen{QString::fromStdString(axis.title()), shown(axis.initial())};
+        for (const QPointF& s : samples) {
+            OtReading r;
+            r.psi = s.x();
+            r.kpa = s.x() * kpa_factor;
+            r.mmhg = s.y();
+            seen << shown(axis.sample(r));
+        }
+        QCOMPARE(seen, changes);
+    }
+
+    // The summary in blocks: control blocks leave a line end, a two-character
+    // block is an error reply, the character 7 ends it.
+    void summary_gather() {
+        SummaryGather g;
+        bool first = true;
+        QVERIFY(!g.take("old text", first).ended);
+        first = true;  // a new summary starts
+        QVERIFY(!g.take("SUMMARY\r\n", first).ended);
+        QVERIFY(!first);
+        QVERIFY(!g.take("\x05", first).ended);
+        QVERIFY(g.take("e\r", first).reply_error);
+        const SummaryGather::Tick end = g.take("Rate 100\r\n\x07", first);
+        QVERIFY(end.ended);
+        // The block that carries the 7 leaves only a line end.
+        QCOMPARE(g.text(), std::string("SUMMARY\r\n\r\ne\r\r\n"));
+    }
+
+    void time_left() {
+        QCOMPARE(seconds_to_hhmmss(3725), std::string("01:02:05"));
+        QCOMPARE(seconds_to_hhmmss(0), std::string("00:00:00"));
+        QCOMPARE(seconds_to_hhmmss(360000), std::string("100:00:00"));
+    }
+};
+
+QTEST_MAIN(tst_live_test)
+#include "tst_live_test.moc"
