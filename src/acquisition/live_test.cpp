@@ -16,53 +16,6 @@ double whole(double v) { return std::floor(v); }
 
 }  // namespace
 
-std::vector<std::string> reply_fields(std::string_view reply, int count) {
-    std::vector<std::string> fields;
-    std::string_view rest = reply;
-    for (int i = 0; i < count; ++i) {
-        const std::size_t comma = rest.find(',');
-        if (comma == std::string_view::npos) {
-            fields.emplace_back(trim_view(rest));
-            continue;
-        }
-        fields.emplace_back(rest.substr(0, comma + 1));
-        rest = ltrim_view(rest.substr(comma + 1));
-    }
-    return fields;
-}
-
-std::int16_t field_count(std::string_view field) {
-    const double v = std::trunc(leading_number(field));
-    return static_cast<std::int16_t>(std::clamp(v, -32768.0, 32767.0));
-}
-
-RtReading process_RTData(std::string_view reply) {
-    const std::vector<std::string> f = reply_fields(reply, 8);
-    RtReading r;
-    const std::string mode = trim(f[0]);
-    r.mode = mode.empty() ? ' ' : mode[0];
-    r.hours = field_count(f[1]);
-    r.minutes = field_count(f[2]);
-    r.seconds = field_count(f[3]);
-    r.flow = leading_number(f[4]);
-    r.avg_flow = leading_number(f[5]);
-    r.volume = leading_number(f[6]);
-    r.pressure = leading_number(f[7]);
-    return r;
-}
-
-OtReading process_OTData(std::string_view reply) {
-    const std::vector<std::string> f = reply_fields(reply, 5);
-    OtReading r;
-    r.mode = f[0];
-    r.minutes = field_count(f[1]);
-    r.seconds = field_count(f[2]);
-    r.psi = leading_number(f[3]);
-    r.kpa = r.psi * kpa_factor;
-    r.mmhg = leading_number(f[4]);
-    return r;
-}
-
 std::string flow_range_caption(char mode) {
     switch (mode) {
         case 'A': return "Single Rate - Low range flow (LOW)";
@@ -126,7 +79,7 @@ AxisChange PressureAxis::initial() const {
     }
 }
 
-double PressureAxis::value(const OtReading& r) const {
+double PressureAxis::value(const OTData& r) const {
     switch (unit_) {
         case OcclusionUnit::mmhg: return r.mmhg;
         case OcclusionUnit::kpa: return r.kpa;
@@ -134,7 +87,7 @@ double PressureAxis::value(const OtReading& r) const {
     }
 }
 
-AxisChange PressureAxis::sample(const OtReading& r) {
+AxisChange PressureAxis::sample(const OTData& r) {
     const double v = value(r);
     AxisChange c;
     if (first_) {

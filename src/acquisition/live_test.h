@@ -1,46 +1,16 @@
 #pragma once
-// What the live test screens make of the analyser's replies, without a
-// widget: the fields of a poll reply, the texts of the labels, the rules
-// that keep the graph's y axis around the values, and the gathering of the
-// summary the analyser sends at the end of a test.
+// What the live test screens make of the analyser's polls, without a
+// widget: the texts of the labels, the rules that keep the graph's y axis
+// around the values, and the gathering of the summary the analyser sends at
+// the end of a test. The polls themselves are read by the protocol.
 
-#include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include "acquisition/download_choice.h"
+#include "link/protocol.h"
 
 namespace kyt {
-
-// The first `count` fields of a reply as the screens read them: a field runs
-// up to and including its comma, and the rest loses its leading blanks; with
-// no comma left the field is the rest, trimmed, and it stands again for every
-// later field.
-std::vector<std::string> reply_fields(std::string_view reply, int count);
-
-// A field's leading number as a 16-bit count (0 when it starts with none;
-// held to the 16-bit range).
-std::int16_t field_count(std::string_view field);
-
-// One poll of a single-rate test.
-struct RtReading {
-    char mode = ' ';  // flow range: "A" low, "B" high, "C" pulsatile
-    std::int16_t hours = 0, minutes = 0, seconds = 0;
-    double flow = 0, avg_flow = 0, volume = 0, pressure = 0;
-};
-RtReading process_RTData(std::string_view reply);
-
-// One poll of an occlusion test. The kPa value of the graph is PSI times
-// 7.51; the kPa label is mmHg over 7.51. The two differ on purpose.
-struct OtReading {
-    std::string mode;
-    std::int16_t minutes = 0, seconds = 0;
-    double psi = 0, mmhg = 0, kpa = 0;
-};
-inline constexpr double kpa_factor = 7.51;
-OtReading process_OTData(std::string_view reply);
 
 // The caption of the single-rate data frame by flow range.
 std::string flow_range_caption(char mode);
@@ -78,8 +48,8 @@ public:
     std::string title() const;
     AxisChange initial() const;
     // The value graphed for a reading, in the chosen unit.
-    double value(const OtReading& r) const;
-    AxisChange sample(const OtReading& r);
+    double value(const OTData& r) const;
+    AxisChange sample(const OTData& r);
 
 private:
     OcclusionUnit unit_;

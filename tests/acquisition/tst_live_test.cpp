@@ -1,5 +1,5 @@
-// The live tests' reading of poll replies, their graph axes and the
-// gathering of the summary, without a window.
+// The live tests' graph axes, labels and the gathering of the summary,
+// without a window.
 
 #include <QtTest>
 
@@ -21,34 +21,6 @@ QString shown(const AxisChange& c) {
 class tst_live_test : public QObject {
     Q_OBJECT
 private slots:
-    void single_rate_reply_data() {
-        QTest::addColumn<QString>("reply");
-        QTest::addColumn<QString>("reading");  // mode h m s flow avg volume pressure
-        QTest::newRow("a full reply") << "A, 01, 02, 03, 99.51, 100.2, 12.34, 12.5" << "A 1 2 3 99.51 100.2 12.34 12.5";
-        QTest::newRow("no comma: the whole text in every field") << " 7.5 " << "7 7 7 7 7.5 7.5 7.5 7.5";
-        QTest::newRow("fewer than eight: the last repeats") << "B,1,2,3,40" << "B 1 2 3 40 40 40 40";
-        QTest::newRow("words read as 0") << "C,xx,2,3,fast,1,2,3" << "C 0 2 3 0 1 2 3";
-        QTest::newRow("hours beyond 16 bits are held") << "A,99999,0,0,1,1,1,1" << "A 32767 0 0 1 1 1 1";
-    }
-    void single_rate_reply() {
-        QFETCH(QString, reply);
-        QFETCH(QString, reading);
-        const RtReading r = process_RTData(reply.toStdString());
-        QCOMPARE(QString("%1 %2 %3 %4 %5 %6 %7 %8")
-                     .arg(QChar(r.mode)).arg(r.hours).arg(r.minutes).arg(r.seconds)
-                     .arg(r.flow).arg(r.avg_flow).arg(r.volume).arg(r.pressure),
-                 reading);
-    }
-
-    void occlusion_reply() {
-        const OtReading r = process_OTData("O, 02, 30, 10.0, 517");
-        QCOMPARE(r.minutes, std::int16_t(2));
-        QCOMPARE(r.seconds, std::int16_t(30));
-        QCOMPARE(r.psi, 10.0);
-        QCOMPARE(r.kpa, 75.1);
-        QCOMPARE(r.mmhg, 517.0);
-    }
-
     // The single-rate axis over a run of (flow, average) samples.
     void flow_axis_data() {
         QTest::addColumn<QString>("set_rate");
@@ -90,9 +62,9 @@ private slots:
         PressureAxis axis(unit);
         QStringList seen{QString::fromStdString(axis.title()), shown(axis.initial())};
         for (const QPointF& s : samples) {
-            OtReading r;
+            OTData r;
             r.psi = s.x();
-            r.kpa = s.x() * kpa_factor;
+            r.kpa = s.x() * occlusion_kpa_factor;
             r.mmhg = s.y();
             seen << shown(axis.sample(r));
         }
