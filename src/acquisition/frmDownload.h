@@ -15,6 +15,7 @@
 #include <QDialog>
 
 #include "acquisition/download_choice.h"
+#include "acquisition/run_phases.h"
 
 namespace Ui {
 class frmDownload;
@@ -56,6 +57,14 @@ public:
     void write_RTfile_header();
     void write_OTfile_header();
 
+    // The phases of a run: the next phase (single-rate test, its summary,
+    // occlusion test, its summary, end), the start of the occlusion test,
+    // and the end of everything with unfinished logs thrown away. Each is
+    // decided by the run's phase machine and carried out here.
+    void beginnextproc();
+    void startottest();
+    void stopalltests();
+
     // Set by get_download_options and never cleared while the form is loaded:
     // once a press of OK has passed a check, later presses pass it too.
     bool mode_chosen = false;
@@ -73,6 +82,7 @@ private:
     void start_realtime();
     void write_file_header(bool single_rate);
     void abandon_realtime();
+    void carry_out(const std::vector<kyt::RunAction>& actions);
     bool ui_save_to_file() const;
 
     // The click rules. A check box's rule also runs when a rule of the form

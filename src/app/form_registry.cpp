@@ -2,6 +2,8 @@
 
 #include "acquisition/frmDownload.h"
 #include "acquisition/frmHeader.h"
+#include "acquisition/frmRTGraph.h"
+#include "acquisition/frmSummary.h"
 #include "admin/frmChgPassword.h"
 #include "admin/frmPassWord.h"
 #include "admin/frmSysAd.h"
@@ -22,6 +24,8 @@ void register_all_forms() {
     register_form<frmInProgress>();
     register_form<frmPassWord>();
     register_form<frmReports>();
+    register_form<frmRTGraph>();
+    register_form<frmSummary>();
     register_form<frmTestPort>();
     // The administrator's form and the overwrite question are left to close
     // with the program.

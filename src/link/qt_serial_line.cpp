@@ -126,7 +126,12 @@ void QtSerialLine::clear_input() {
 }
 
 void QtSerialLine::clear_output() {
-    if (port_.isOpen()) port_.clear(QSerialPort::Output);
+    // Every output() hands its text to the system before it returns, so
+    // nothing of the console's waits here to be dropped. The system's own
+    // queue is left alone: what it holds counts as sent, and a screen that
+    // clears the buffers as it opens must not take back the command that
+    // started its test (on a pseudo-terminal that queue holds a command until
+    // the far end reads it).
 }
 
 void QtSerialLine::output(std::string_view text) {

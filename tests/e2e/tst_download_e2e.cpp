@@ -28,33 +28,12 @@
 #include "support/form_script.h"
 #include "support/kyt_tool_run.h"
 #include "support/test_services.h"
+#include "support/console_e2e.h"
 
 using namespace kyt;
+using namespace kyt::test;
 
 namespace {
-
-struct Console {
-    test::TestServices t;
-    QTemporaryDir work;
-};
-
-// The console on a real line to the simulator behind Comm 1, saving into a
-// folder of its own.
-void start_console(Console& c, const test::Sim& sim) {
-    c.t = test::install_test_services();
-    c.t.settings->save_setting("kyt", "Ports", "comm1", ss(sim.link));
-    for (const char* key : {"comm2", "comm3", "comm4"})
-        c.t.settings->save_setting("kyt", "Ports", key, "/nonexistent/kyt-port");
-    c.t.settings->save_setting("kyt", "Startup", "comm", "1");
-    c.t.settings->save_setting("kyt", "Startup", "savedir", ss(c.work.path()));
-    services().serial = std::make_unique<QtSerialLine>(*c.t.settings);
-    forms::get<frmMain>();
-}
-
-template <class W>
-W* child(QWidget* form, const char* name) {
-    return form->findChild<W*>(name);
-}
 
 // The dialog with a channel and a mode chosen, Save to File as asked, OK pressed.
 void download(char channel, const char* mode, bool save_file) {
@@ -64,19 +43,6 @@ void download(char channel, const char* mode, bool save_file) {
     child<QRadioButton>(d, mode)->setChecked(true);
     child<QCheckBox>(d, "chkSaveFile")->setChecked(save_file);
     child<QPushButton>(d, "CmdOK")->click();
-}
-
-// Fills the modal header once it is up and goes on.
-void fill_header_when_shown() {
-    QTimer::singleShot(0, [] {
-        frmHeader* h = forms::loaded<frmHeader>();
-        QVERIFY(h);
-        child<QComboBox>(h, "cmbHdr_0")->setEditText("Acme Pumps");
-        child<QComboBox>(h, "cmbHdr_3")->setEditText("Volumat X");
-        child<QLineEdit>(h, "txtSerialNo")->setText("SN-1");
-        child<QComboBox>(h, "cmbHdr_2")->setEditText("J. Doe");
-        child<QPushButton>(h, "cmdContinue")->click();
-    });
 }
 
 QString shown(frmReports* r) { return child<QPlainTextEdit>(r, "txtData")->toPlainText(); }

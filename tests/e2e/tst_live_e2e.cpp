@@ -1,0 +1,153 @@
+// Live tests as a technician runs them: the download dialog in real-time
+// mode, the test screen polling the simulated analyser on a real serial
+// line, the log and the summary on disk.
+
+#include <QtTest>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+
+#include "acquisition/frmDownload.h"
+#include "acquisition/frmRTGraph.h"
+#include "acquisition/frmSummary.h"
+#include "app/form_registry.h"
+#include "common/file_text.h"
+#include "common/text.h"
+#include "support/console_e2e.h"
+#include "support/form_script.h"
+
+using namespace kyt;
+using namespace kyt::test;
+
+namespace {
+
+struct LiveRun {
+    QStringList checks;       // check boxes and options to turn on, in order
+    int duration_item = -1;   // item of the test-length list, with "Stop Test After"
+    bool save = true;
+};
+
+// The dialog in real-time mode on channel A, OK pressed.
+void start_live(const LiveRun& r) {
+    frmDownload* d = forms::get<frmDownload>();
+    d->show();
+    child<QRadioButton>(d, "optRealTime")->setChecked(true);
+    child<QCheckBox>(d, "chkSaveFile")->setChecked(r.save);
+    for (const QString& name : r.checks) child<QAbstractButton>(d, qPrintable(name))->setChecked(true);
+    if (r.duration_item >= 0) {
+        child<QRadioButton>(d, "optDuration")->setChecked(true);
+        child<QComboBox>(d, "cmbDuration")->setCurrentIndex(r.duration_item);
+    }
+    child<QPushButton>(d, "CmdOK")->click();
+}
+
+// The test screen, its clock sped up: a poll every 40 ms and a test-length
+// second every 20 ms.
+frmRTGraph* fast_screen() {
+    frmRTGraph* f = forms::loaded<frmRTGraph>();
+    if (!f) return nullptr;
+    f->GetDataTimer.setInterval(40);
+    if (f->DurationTimer.isActive()) f->DurationTimer.setInterval(20);
+    return f;
+}
+
+// The data rows of a single-rate log: lines of 9 blanks and hh:mm:ss.
+int rows_of(const std::string& log) {
+    static const QRegularExpression row(R"(^ {9}\d\d:\d\d:\d\d  )");
+    int rows = 0;
+    for (const std::string& line : split_lines(log)) rows += row.match(QString::fromStdString(line)).hasMatch();
+    return rows;
+}
+
+}  // namespace
+
+class tst_live_e2e : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase() {
+        register_all_forms();
+        // The occlusion screen's name, so that the dialog offers real time.
+        if (!forms::has_factory("frmOTGraph")) forms::register_factory("frmOTGraph", [] { return new QWidget; });
+    }
+
+    // A two-minute single-rate test with log and summary: every row in
+    // columns, the page breaks, the closing block, and the summary with the
+    // header written in.
+    void single_rate_with_log_and_summary() {
+        Sim sim({"--speed", "600", "--seed", "2"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        c.t.dialogs->queue(ss(c.work.filePath("rt.log")));
+        c.t.dialogs->queue(ss(c.work.filePath("rt.sum")));
+        fill_header_when_shown();
+        start_live({{"chkSingle", "chkReport", "chkTestAuto"}, 2});
+        frmRTGraph* f = fast_screen();
+        QVERIFY(f && f->isVisible());
+        QTRY_VERIFY_WITH_TIMEOUT(!forms::is_loaded<frmRTGraph>(), 30000);
+        const std::string log = read_text_file(ss(c.work.filePath("rt.log"))).value_or("");
+        QVERIFY2(rows_of(log) > 29, log.c_str());
+        QVERIFY(log.find("SINGLE RATE TEST") != std::string::npos);
+        QVERIFY(log.find("\f\r\n") != std::string::npos);  // the first page is full
+        QVERIFY(log.find("         END OF DATA\r\n") != std::string::npos);
+        QVERIFY(log.find("         Technician: J. Doe") != std::string::npos);
+        const std::string sum = read_text_file(ss(c.work.filePath("rt.sum"))).value_or("");
+        QVERIFY2(sum.find("SUMMARY") != std::string::npos, sum.c_str());
+        QVERIFY(sum.find("Acme Pumps") != std::string::npos);
+        QVERIFY(!forms::is_loaded<frmSummary>());
+        QVERIFY(!shared().run.rt_pending && !shared().run.rt_running && !shared().run.rt_sum_running);
+    }
+
+    // A test of no set length runs until Stop; with nothing to save the
+    // screen goes at once.
+    void indefinite_test_ended_by_stop() {
+        Sim sim({"--speed", "600"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        start_live({{"chkSingle", "chkTestAuto"}, -1, false});
+        frmRTGraph* f = fast_screen();
+        QVERIFY(f);
+        QTRY_VERIFY_WITH_TIMEOUT(child<QLabel>(f, "lblIntFlow")->text() != "__.__", 10000);
+        QCOMPARE(child<QLabel>(f, "lblTimeLeft")->text(), QString("N/A"));
+        QVERIFY(!f->DurationTimer.isActive());
+        child<QPushButton>(f, "cmdStop")->click();
+        flush_deletes();
+        QVERIFY(!forms::is_loaded<frmRTGraph>());
+    }
+
+    // Cancel throws the unfinished log away.
+    void cancel_deletes_the_log() {
+        Sim sim({"--speed", "600"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        const QString log = c.work.filePath("cut.log");
+        c.t.dialogs->queue(ss(log));
+        fill_header_when_shown();
+        start_live({{"chkSingle", "chkTestAuto"}, -1});
+        frmRTGraph* f = fast_screen();
+        QVERIFY(f);
+        QTRY_VERIFY_WITH_TIMEOUT(rows_of(read_text_file(ss(log)).value_or("")) > 2, 10000);
+        child<QPushButton>(f, "cmdCancel")->click();
+        flush_deletes();
+        QVERIFY(!forms::is_loaded<frmRTGraph>());
+        QVERIFY(!QFileInfo::exists(log));
+        QVERIFY(!shared().run.rt_pending && !shared().run.rt_running);
+    }
+
+    void cleanup() {
+        forms::unload<frmRTGraph>();
+        forms::unload<frmSummary>();
+        forms::unload<frmDownload>();
+        forms::unload<frmMain>();
+        flush_deletes();
+        services().serial.reset();
+    }
+};
+
+QTEST_MAIN(tst_live_e2e)
+#include "tst_live_e2e.moc"
