@@ -15,15 +15,6 @@
 
 using namespace kyt;
 
-namespace {
-
-DownloadChoice run_choice() {
-    const frmDownload* d = forms::loaded<frmDownload>();
-    return d ? d->choice() : DownloadChoice{};
-}
-
-}  // namespace
-
 frmRTGraph::frmRTGraph() : ui(new Ui::frmRTGraph) {
     ui->setupUi(this);
     wire(ui->cmdStop, ui->cmdCancel);
@@ -36,11 +27,7 @@ void frmRTGraph::initial_setup() {
     SharedState& s = shared();
     setWindowTitle("REAL TIME DATA  -  Channel " + QString(QChar(s.port.channel)));
     s.dirs.file_name = s.dirs.rt_log_file;
-    try {
-        reset_comm_buffers();
-    } catch (const SerialError& e) {
-        tell_serial_error(e);
-    }
+    reset_buffers();
     setup_RTGraph();
     setup_duration();
     if (!s.dirs.rt_log_file.empty()) setWindowTitle("RATE TEST  -  " + qs(s.dirs.rt_log_file));
@@ -121,9 +108,7 @@ void frmRTGraph::DurationTimer_Timer() {
     } else {
         ui->lblTimeLeft->setText("N/A");
     }
-    if (rt_time_left < 1) {
-        if (frmDownload* d = forms::loaded<frmDownload>()) d->beginnextproc();
-    }
+    next_phase_when_up(rt_time_left);
 }
 
 const std::string& frmRTGraph::summary_file() const { return shared().dirs.rt_sum_file; }

@@ -45,6 +45,24 @@ void LiveTestForm::wire(QPushButton* stop, QPushButton* cancel) {
     connect(cancel, &QPushButton::clicked, this, &LiveTestForm::cmdCancel_Click);
 }
 
+DownloadChoice LiveTestForm::run_choice() {
+    const frmDownload* d = download_dialog();
+    return d ? d->choice() : DownloadChoice{};
+}
+
+void LiveTestForm::reset_buffers() {
+    try {
+        reset_comm_buffers();
+    } catch (const SerialError& e) {
+        tell_serial_error(e);
+    }
+}
+
+void LiveTestForm::next_phase_when_up(long seconds_left) {
+    if (seconds_left >= 1) return;
+    if (frmDownload* d = download_dialog()) d->beginnextproc();
+}
+
 void LiveTestForm::set_timer(RunTimer timer, bool on) {
     QTimer& t = timer == RunTimer::get_data ? GetDataTimer : timer == RunTimer::get_sum ? GetSumTimer : DurationTimer;
     if (on) t.start();

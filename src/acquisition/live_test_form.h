@@ -45,6 +45,13 @@ public:
 
 protected:
     LiveTestForm();
+    // The operator's choice in the download dialog, which stays loaded for
+    // the run.
+    static kyt::DownloadChoice run_choice();
+    // Fresh serial buffers; a failure of the line is told.
+    static void reset_buffers();
+    // Below one second left the test is over and the run moves on.
+    void next_phase_when_up(long seconds_left);
     // Connects the buttons and timers once the form's widgets exist.
     void wire(QPushButton* stop, QPushButton* cancel);
     // A poll reply of 3 characters or more: read, shown, graphed, logged.

@@ -2,6 +2,7 @@
 
 #include "acquisition/frmDownload.h"
 #include "acquisition/frmHeader.h"
+#include "acquisition/frmOTGraph.h"
 #include "acquisition/frmRTGraph.h"
 #include "acquisition/frmSummary.h"
 #include "admin/frmChgPassword.h"
@@ -22,6 +23,7 @@ void register_all_forms() {
     register_form<frmDownload>();
     register_form<frmHeader>();
     register_form<frmInProgress>();
+    register_form<frmOTGraph>();
     register_form<frmPassWord>();
     register_form<frmReports>();
     register_form<frmRTGraph>();

@@ -335,6 +335,9 @@ void Chart::set_axis_title(ChartAxis axis, const std::string& title) {
 
 void Chart::set_title(const std::string& title) {
     title_->setText(qs(title));
+    // Assistive technology reads the chart by its title.
+    setAccessibleName(qs(title));
+    plot_->setAccessibleName(qs(title));
     changed();
 }
 

@@ -80,6 +80,9 @@ private slots:
         QTest::newRow("frmReports") << "frmReports" << 4;
         QTest::newRow("frmInProgress") << "frmInProgress" << 1;
         QTest::newRow("frmFileExists") << "frmFileExists" << 3;
+        QTest::newRow("frmRTGraph") << "frmRTGraph" << 0;
+        QTest::newRow("frmOTGraph") << "frmOTGraph" << 0;
+        QTest::newRow("frmSummary") << "frmSummary" << 1;
     }
     void every_access_key_acts() {
         QFETCH(QString, form);

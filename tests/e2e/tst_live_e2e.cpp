@@ -11,9 +11,11 @@
 #include <QRadioButton>
 
 #include "acquisition/frmDownload.h"
+#include "acquisition/frmOTGraph.h"
 #include "acquisition/frmRTGraph.h"
 #include "acquisition/frmSummary.h"
 #include "app/form_registry.h"
+#include "common/chart.h"
 #include "common/file_text.h"
 #include "common/text.h"
 #include "support/console_e2e.h"
@@ -44,8 +46,24 @@ void start_live(const LiveRun& r) {
     child<QPushButton>(d, "CmdOK")->click();
 }
 
-// The test screen, its clock sped up: a poll every 40 ms and a test-length
-// second every 20 ms.
+// The test screens' clocks sped up, on each screen as it comes: a poll
+// every 40 ms and a test-length second every 20 ms.
+struct FastScreens {
+    QTimer watch;
+    FastScreens() {
+        QObject::connect(&watch, &QTimer::timeout, [] {
+            for (const char* name : {"frmRTGraph", "frmOTGraph"}) {
+                auto* f = dynamic_cast<LiveTestForm*>(forms::find(name));
+                if (!f || f->property("fast").toBool()) continue;
+                f->setProperty("fast", true);
+                f->GetDataTimer.setInterval(40);
+                if (f->DurationTimer.isActive()) f->DurationTimer.setInterval(20);
+            }
+        });
+        watch.start(2);
+    }
+};
+
 frmRTGraph* fast_screen() {
     frmRTGraph* f = forms::loaded<frmRTGraph>();
     if (!f) return nullptr;
@@ -54,24 +72,21 @@ frmRTGraph* fast_screen() {
     return f;
 }
 
-// The data rows of a single-rate log: lines of 9 blanks and hh:mm:ss.
-int rows_of(const std::string& log) {
-    static const QRegularExpression row(R"(^ {9}\d\d:\d\d:\d\d  )");
+// The rows of a log: lines of the given blanks and a time.
+int rows_of(const std::string& log, const char* pattern = R"(^ {9}\d\d:\d\d:\d\d  )") {
+    const QRegularExpression row(pattern);
     int rows = 0;
     for (const std::string& line : split_lines(log)) rows += row.match(QString::fromStdString(line)).hasMatch();
     return rows;
 }
+const char* const occlusion_row = R"(^ {16}\d\d:\d\d {12}\d\d\.\d\d {6}\d{3})";
 
 }  // namespace
 
 class tst_live_e2e : public QObject {
     Q_OBJECT
 private slots:
-    void initTestCase() {
-        register_all_forms();
-        // The occlusion screen's name, so that the dialog offers real time.
-        if (!forms::has_factory("frmOTGraph")) forms::register_factory("frmOTGraph", [] { return new QWidget; });
-    }
+    void initTestCase() { register_all_forms(); }
 
     // A two-minute single-rate test with log and summary: every row in
     // columns, the page breaks, the closing block, and the summary with the
@@ -139,7 +154,76 @@ private slots:
         QVERIFY(!shared().run.rt_pending && !shared().run.rt_running);
     }
 
+    // An occlusion test alone, in each unit: its log, its labels and the
+    // graph's axis title.
+    void occlusion_alone_data() {
+        QTest::addColumn<QString>("unit");
+        QTest::addColumn<double>("psi_factor");  // the graphed value from the labels: PSI times this,
+        QTest::addColumn<double>("mmhg_factor"); // plus mmHg times this
+        QTest::newRow("PSI") << "optPSI" << 1.0 << 0.0;
+        QTest::newRow("mmHg") << "optmmHg" << 0.0 << 1.0;
+        QTest::newRow("kPa") << "optkPa" << 7.51 << 0.0;
+    }
+    void occlusion_alone() {
+        QFETCH(QString, unit);
+        QFETCH(double, psi_factor);
+        QFETCH(double, mmhg_factor);
+        Sim sim({"--speed", "600", "--seed", "4"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        c.t.dialogs->queue(ss(c.work.filePath("ot.log")));
+        fill_header_when_shown();
+        FastScreens fast;
+        start_live({{"chkOccl", unit, "chkTestAuto"}, -1});
+        frmOTGraph* f = forms::loaded<frmOTGraph>();
+        QVERIFY(f && f->isVisible());
+        QTRY_VERIFY_WITH_TIMEOUT(child<QLabel>(f, "lblmmHg")->text() != "__.__", 10000);
+        // Stopped here, so that the labels and the graph hold the same poll.
+        f->GetDataTimer.stop();
+        const double psi = child<QLabel>(f, "lblPSI")->text().toDouble();
+        const double mmhg = child<QLabel>(f, "lblmmHg")->text().toDouble();
+        QCOMPARE(child<QLabel>(f, "lblkPa")->text().toDouble(), mmhg / 7.51);
+        const std::vector<double> graphed = f->findChild<kyt::Chart*>("OTGraph")->values_in_view(1);
+        QVERIFY(!graphed.empty());
+        QCOMPARE(float(graphed.back()), float(psi * psi_factor + mmhg * mmhg_factor));
+        f->GetDataTimer.start();
+        QTRY_VERIFY_WITH_TIMEOUT(!forms::is_loaded<frmOTGraph>(), 30000);
+        const std::string log = read_text_file(ss(c.work.filePath("ot.log"))).value_or("");
+        QVERIFY2(rows_of(log, occlusion_row) > 5, log.c_str());
+        QVERIFY(log.find("OCCLUSION PRESSURE TEST") != std::string::npos);
+        QVERIFY(log.find("         END OF DATA\r\n") != std::string::npos);
+        QVERIFY(!shared().run.ot_pending && !shared().run.ot_running);
+    }
+
+    // Single-rate, then occlusion: both logs and both summaries.
+    void single_rate_then_occlusion() {
+        Sim sim({"--speed", "600", "--seed", "6"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        for (const char* name : {"rt.log", "ot.log", "rt.sum", "ot.sum"}) c.t.dialogs->queue(ss(c.work.filePath(name)));
+        fill_header_when_shown();
+        FastScreens fast;
+        start_live({{"chkSingle", "chkOccl", "chkReport", "chkTestAuto"}, 0});
+        QVERIFY(forms::is_loaded<frmRTGraph>());
+        QTRY_VERIFY_WITH_TIMEOUT(forms::is_loaded<frmOTGraph>(), 30000);
+        QTRY_VERIFY_WITH_TIMEOUT(!forms::is_loaded<frmOTGraph>() && !forms::is_loaded<frmRTGraph>(), 30000);
+        const auto file = [&](const char* name) { return read_text_file(ss(c.work.filePath(name))).value_or(""); };
+        QVERIFY(rows_of(file("rt.log")) > 0);
+        QVERIFY(file("rt.log").find("END OF DATA") != std::string::npos);
+        QVERIFY(rows_of(file("ot.log"), occlusion_row) > 0);
+        QVERIFY(file("ot.log").find("END OF DATA") != std::string::npos);
+        for (const char* sum : {"rt.sum", "ot.sum"}) {
+            QVERIFY2(file(sum).find("SUMMARY") != std::string::npos, sum);
+            QVERIFY2(file(sum).find("Acme Pumps") != std::string::npos, sum);
+        }
+        const RunState& run = shared().run;
+        QVERIFY(!run.rt_running && !run.ot_running && !run.rt_sum_running && !run.ot_sum_running && !run.ot_pending);
+    }
+
     void cleanup() {
+        forms::unload<frmOTGraph>();
         forms::unload<frmRTGraph>();
         forms::unload<frmSummary>();
         forms::unload<frmDownload>();
