@@ -64,6 +64,10 @@ public:
     void beginnextproc();
     void startottest();
     void stopalltests();
+    // The serial device went away during a live run: the logs being written
+    // are closed with every row they hold, the run ends and the main window
+    // comes back.
+    void line_lost();
 
     // Set by get_download_options and never cleared while the form is loaded:
     // once a press of OK has passed a check, later presses pass it too.

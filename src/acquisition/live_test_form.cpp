@@ -83,14 +83,18 @@ void LiveTestForm::GetDataTimer_Timer() {
     SharedState& s = shared();
     // The poll goes out and what has come in since the last tick is read at
     // once: each reading answers the poll before.
+    // A port closed under a test has lost its device, which has been told.
+    if (!services().serial->port_open()) {
+        line_lost();
+        return;
+    }
     std::string raw;
     try {
         services().serial->output(command_poll(s.port.channel));
         raw = flush_comm_input();
     } catch (const SerialError& e) {
-        GetDataTimer.stop();
-        DurationTimer.stop();
         tell_serial_error(e);
+        line_lost();
         return;
     }
     const PollReply reply = take_poll_reply(raw);
@@ -100,6 +104,13 @@ void LiveTestForm::GetDataTimer_Timer() {
         return;
     }
     take_reply(reply.text);
+}
+
+void LiveTestForm::line_lost() {
+    GetDataTimer.stop();
+    GetSumTimer.stop();
+    DurationTimer.stop();
+    if (frmDownload* d = download_dialog()) d->line_lost();
 }
 
 void LiveTestForm::process_errors(ReplyError error) {
@@ -127,8 +138,8 @@ void LiveTestForm::GetSumTimer_Timer() {
     try {
         block = services().serial->input();
     } catch (const SerialError& e) {
-        GetSumTimer.stop();
         tell_serial_error(e);
+        line_lost();
         return;
     }
     s.port.comm_buffer = block;

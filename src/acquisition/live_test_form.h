@@ -65,6 +65,7 @@ protected:
 
 private:
     void process_errors(kyt::ReplyError error);
+    void line_lost();
     bool write_summary();
 
     kyt::SummaryGather gather_;

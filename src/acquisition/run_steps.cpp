@@ -60,6 +60,19 @@ void frmDownload::stopalltests() {
     carry_out(kyt::stopalltests(s.run, s.dirs));
 }
 
+void frmDownload::line_lost() {
+    RunLogs& logs = run_logs();
+    if (logs.rt_file.is_open()) close_log(RunForm::rt_graph);
+    if (logs.ot_file.is_open()) close_log(RunForm::ot_graph);
+    RunState& run = shared().run;
+    run.rt_pending = run.ot_pending = false;
+    run.rt_running = run.ot_running = run.rt_sum_running = run.ot_sum_running = false;
+    run.rt_selected = run.ot_selected = false;
+    run.rt_log_on = run.ot_log_on = run.rt_sum_on = run.ot_sum_on = false;
+    for (RunForm form : {RunForm::summary, RunForm::rt_graph, RunForm::ot_graph}) forms::unload(form_name(form));
+    if (QWidget* main_window = forms::find("frmMain")) main_window->show();
+}
+
 void frmDownload::carry_out(const RunActions& actions) {
     using K = RunAction::Kind;
     for (const RunAction& a : actions) {

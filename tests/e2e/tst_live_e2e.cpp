@@ -18,6 +18,7 @@
 #include "common/chart.h"
 #include "common/file_text.h"
 #include "common/text.h"
+#include "link/protocol.h"
 #include "support/console_e2e.h"
 #include "support/form_script.h"
 
@@ -220,6 +221,121 @@ private slots:
         }
         const RunState& run = shared().run;
         QVERIFY(!run.rt_running && !run.ot_running && !run.rt_sum_running && !run.ot_sum_running && !run.ot_pending);
+    }
+
+    // The device hangs up mid-test: one message, the log closed with every
+    // row it had, the screens gone, the console usable.
+    void analyser_hangs_up_mid_test() {
+        Sim sim({"--speed", "600", "--hangup-after", "12"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        const QString log = c.work.filePath("cut.log");
+        c.t.dialogs->queue(ss(log));
+        fill_header_when_shown();
+        FastScreens fast;
+        c.t.boxes->expect();
+        start_live({{"chkSingle", "chkTestAuto"}, -1});
+        QTRY_VERIFY_WITH_TIMEOUT(!forms::is_loaded<frmRTGraph>(), 15000);
+        QCOMPARE(c.t.boxes->shown.size(), std::size_t(1));
+        QVERIFY2(c.t.boxes->shown[0].text.find("serial") != std::string::npos, c.t.boxes->shown[0].text.c_str());
+        const std::string text = read_text_file(ss(log)).value_or("");
+        QVERIFY2(rows_of(text) >= 5, text.c_str());
+        const std::size_t end = text.find("END OF DATA");
+        QVERIFY(end != std::string::npos);
+        QCOMPARE(rows_of(text.substr(0, end)), rows_of(text));
+        QVERIFY(!shared().run.rt_pending && !shared().run.rt_running);
+        QVERIFY(forms::loaded<frmMain>()->isEnabled());
+    }
+
+    // The analyser falls silent: no message, the log keeps its rows, Stop
+    // ends the test.
+    void analyser_falls_silent() {
+        Sim sim({"--speed", "600", "--silent-after", "8"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        const QString log = c.work.filePath("quiet.log");
+        c.t.dialogs->queue(ss(log));
+        fill_header_when_shown();
+        FastScreens fast;
+        start_live({{"chkSingle", "chkTestAuto"}, -1});
+        frmRTGraph* f = forms::loaded<frmRTGraph>();
+        QVERIFY(f);
+        QTRY_VERIFY_WITH_TIMEOUT(rows_of(read_text_file(ss(log)).value_or("")) >= 4, 10000);
+        QTest::qWait(500);
+        const int rows = rows_of(read_text_file(ss(log)).value_or(""));
+        QTest::qWait(300);
+        QCOMPARE(rows_of(read_text_file(ss(log)).value_or("")), rows);
+        QVERIFY(f->GetDataTimer.isActive());
+        child<QPushButton>(f, "cmdStop")->click();
+        flush_deletes();
+        QVERIFY(!forms::is_loaded<frmRTGraph>());
+        const std::string text = read_text_file(ss(log)).value_or("");
+        QCOMPARE(rows_of(text), rows);
+        QVERIFY(text.find("END OF DATA") != std::string::npos);
+    }
+
+    // Error replies: "e" is told and the polling goes on; "n" ends the run
+    // and brings the main window back.
+    void error_replies() {
+        Sim sim({"--speed", "600", "--channels", "BCD"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        c.t.boxes->allow_any();
+        FastScreens fast;
+        // Channel B runs, then its test is stopped behind the screen's back.
+        frmDownload* d = forms::get<frmDownload>();
+        child<QRadioButton>(d, "optChannelB")->setChecked(true);
+        start_live({{"chkSingle", "chkTestAuto"}, -1, false});
+        frmRTGraph* f = forms::loaded<frmRTGraph>();
+        QVERIFY(f);
+        QTRY_VERIFY_WITH_TIMEOUT(child<QLabel>(f, "lblIntFlow")->text() != "__.__", 10000);
+        services().serial->output(command_stop('B'));
+        QTRY_VERIFY_WITH_TIMEOUT(!c.t.boxes->shown.empty(), 10000);
+        QCOMPARE(c.t.boxes->shown[0].text, std::string("Test or Autosequence is not running"));
+        QVERIFY(f->GetDataTimer.isActive());
+        child<QPushButton>(f, "cmdCancel")->click();
+        flush_deletes();
+        // Channel A has no pump.
+        c.t.boxes->shown.clear();
+        child<QRadioButton>(forms::get<frmDownload>(), "optChannelA")->setChecked(true);
+        start_live({{"chkSingle", "chkTestAuto"}, -1, false});
+        QTRY_VERIFY_WITH_TIMEOUT(!forms::is_loaded<frmRTGraph>(), 10000);
+        QCOMPARE(c.t.boxes->shown.size(), std::size_t(1));
+        QCOMPARE(c.t.boxes->shown[0].text, std::string("Current channel selected is not connected."));
+        QVERIFY(!shared().run.rt_pending && !shared().run.rt_running);
+    }
+
+    // A summary file that cannot be written: the message, and the notice's
+    // Cancel leads out.
+    void summary_file_unwritable() {
+        Sim sim({"--speed", "600"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        QDir(c.work.path()).mkdir("sub");
+        c.t.dialogs->queue(ss(c.work.filePath("rt.log")));
+        c.t.dialogs->queue(ss(c.work.filePath("sub/rt.sum")));
+        fill_header_when_shown();
+        FastScreens fast;
+        start_live({{"chkSingle", "chkReport", "chkTestAuto"}, -1});
+        frmRTGraph* f = forms::loaded<frmRTGraph>();
+        QVERIFY(f);
+        QTRY_VERIFY_WITH_TIMEOUT(child<QLabel>(f, "lblIntFlow")->text() != "__.__", 10000);
+        QDir(c.work.filePath("sub")).removeRecursively();
+        c.t.boxes->expect();
+        child<QPushButton>(f, "cmdStop")->click();
+        QTRY_COMPARE_WITH_TIMEOUT(c.t.boxes->shown.size(), std::size_t(1), 15000);
+        QCOMPARE(c.t.boxes->shown[0].text, std::string("Error writing real-time summary"));
+        QVERIFY(!child<QPushButton>(f, "cmdStop")->isEnabled() && !child<QPushButton>(f, "cmdCancel")->isEnabled());
+        frmSummary* notice = forms::loaded<frmSummary>();
+        QVERIFY(notice && notice->isVisible());
+        child<QPushButton>(notice, "cmdCancel")->click();
+        flush_deletes();
+        QVERIFY(!forms::is_loaded<frmRTGraph>() && !forms::is_loaded<frmSummary>());
+        QVERIFY(read_text_file(ss(c.work.filePath("rt.log"))).value_or("").find("END OF DATA") != std::string::npos);
     }
 
     void cleanup() {
