@@ -4,6 +4,9 @@
 
 #include <QtTest>
 
+#include <QApplication>
+#include <QProcess>
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -18,6 +21,7 @@
 #include "common/chart.h"
 #include "common/file_text.h"
 #include "common/text.h"
+#include "graph/log_reader.h"
 #include "link/protocol.h"
 #include "support/console_e2e.h"
 #include "support/form_script.h"
@@ -338,6 +342,27 @@ private slots:
         QVERIFY(read_text_file(ss(c.work.filePath("rt.log"))).value_or("").find("END OF DATA") != std::string::npos);
     }
 
+    // A console killed outright mid-test leaves a log whose rows are all
+    // there, and the console's log reader takes it.
+    void killed_mid_test_keeps_its_rows() {
+        Sim sim({"--speed", "600"});
+        QVERIFY(sim.ready());
+        QTemporaryDir dir;
+        const QString log = dir.filePath("killed.log");
+        QProcess child;
+        child.start(QCoreApplication::applicationFilePath(), {"--live-child", sim.link, log});
+        QVERIFY(child.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(rows_of(read_text_file(ss(log)).value_or("")) >= 40, 20000);
+        child.kill();
+        QVERIFY(child.waitForFinished());
+        const std::string text = read_text_file(ss(log)).value_or("");
+        QVERIFY(text.find("END OF DATA") == std::string::npos);
+        QVERIFY(text.ends_with("\r\n"));  // the last row is whole
+        const LogReadResult read = read_log(text);
+        QVERIFY(read.accepted());
+        QCOMPARE(read.series.graph_last_index + 1, rows_of(text));
+    }
+
     void cleanup() {
         forms::unload<frmOTGraph>();
         forms::unload<frmRTGraph>();
@@ -349,5 +374,33 @@ private slots:
     }
 };
 
-QTEST_MAIN(tst_live_e2e)
+// The console of the kill drill, in a process of its own: a single-rate test
+// on the simulator behind `link`, logged to `log`, until the process is
+// killed.
+int run_live_child(int argc, char** argv) {
+    QApplication app(argc, argv);
+    register_all_forms();
+    Console c;
+    c.t = install_test_services();
+    c.t.settings->save_setting("kyt", "Ports", "comm1", argv[2]);
+    c.t.settings->save_setting("kyt", "Startup", "comm", "1");
+    c.t.settings->save_setting("kyt", "Startup", "savedir", ss(c.work.path()));
+    services().serial = std::make_unique<QtSerialLine>(*c.t.settings);
+    forms::get<frmMain>();
+    c.t.boxes->allow_any();
+    c.t.dialogs->queue(argv[3]);
+    fill_header_when_shown();
+    FastScreens fast;
+    start_live({{"chkSingle", "chkTestAuto"}, -1});
+    return app.exec();
+}
+
+int main(int argc, char** argv) {
+    if (argc == 4 && std::string(argv[1]) == "--live-child") return run_live_child(argc, argv);
+    QApplication app(argc, argv);
+    tst_live_e2e t;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&t, argc, argv);
+}
+
 #include "tst_live_e2e.moc"
