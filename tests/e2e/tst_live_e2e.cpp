@@ -17,6 +17,7 @@
 #include "acquisition/frmOTGraph.h"
 #include "acquisition/frmRTGraph.h"
 #include "acquisition/frmSummary.h"
+#include "acquisition/logformat.h"
 #include "app/form_registry.h"
 #include "common/chart.h"
 #include "common/file_text.h"
@@ -84,7 +85,7 @@ int rows_of(const std::string& log, const char* pattern = R"(^ {9}\d\d:\d\d:\d\d
     for (const std::string& line : split_lines(log)) rows += row.match(QString::fromStdString(line)).hasMatch();
     return rows;
 }
-const char* const occlusion_row = R"(^ {16}\d\d:\d\d {12}\d\d\.\d\d {6}\d{3})";
+const char* const occlusion_row_pattern = R"(^ {16}\d\d:\d\d {12}\d\d\.\d\d {6}\d{3})";
 
 }  // namespace
 
@@ -110,6 +111,14 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(!forms::is_loaded<frmRTGraph>(), 30000);
         const std::string log = read_text_file(ss(c.work.filePath("rt.log"))).value_or("");
         QVERIFY2(rows_of(log) > 29, log.c_str());
+        // Every row stands in the exact columns of the log's row writer.
+        for (const std::string& line : split_lines(log)) {
+            const QStringList f = QString::fromStdString(line).split(' ', Qt::SkipEmptyParts);
+            if (f.size() != 5 || f[0].size() != 8 || f[0][2] != ':') continue;
+            const SingleRateRow r{f[0].left(2).toInt(), f[0].mid(3, 2).toInt(), f[0].mid(6, 2).toInt(),
+                                  f[1].toDouble(), f[2].toDouble(), f[3].toDouble(), f[4].toDouble()};
+            QCOMPARE(single_rate_row(r), line + "\r\n");
+        }
         QVERIFY(log.find("SINGLE RATE TEST") != std::string::npos);
         QVERIFY(log.find("\f\r\n") != std::string::npos);  // the first page is full
         QVERIFY(log.find("         END OF DATA\r\n") != std::string::npos);
@@ -134,6 +143,25 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(child<QLabel>(f, "lblIntFlow")->text() != "__.__", 10000);
         QCOMPARE(child<QLabel>(f, "lblTimeLeft")->text(), QString("N/A"));
         QVERIFY(!f->DurationTimer.isActive());
+        child<QPushButton>(f, "cmdStop")->click();
+        flush_deletes();
+        QVERIFY(!forms::is_loaded<frmRTGraph>());
+    }
+
+    // Replies that reach the line in pieces are read piece by piece: no
+    // message, no harm, and whole replies still shown.
+    void split_replies_do_no_harm() {
+        Sim sim({"--speed", "600", "--split"});
+        QVERIFY(sim.ready());
+        Console c;
+        start_console(c, sim);
+        FastScreens fast;
+        start_live({{"chkSingle", "chkTestAuto"}, -1, false});
+        frmRTGraph* f = forms::loaded<frmRTGraph>();
+        QVERIFY(f);
+        QTest::qWait(1500);
+        QVERIFY(child<QLabel>(f, "lblElapsedTime")->text() != "__:__:__");
+        QVERIFY(c.t.boxes->shown.empty());
         child<QPushButton>(f, "cmdStop")->click();
         flush_deletes();
         QVERIFY(!forms::is_loaded<frmRTGraph>());
@@ -195,7 +223,7 @@ private slots:
         f->GetDataTimer.start();
         QTRY_VERIFY_WITH_TIMEOUT(!forms::is_loaded<frmOTGraph>(), 30000);
         const std::string log = read_text_file(ss(c.work.filePath("ot.log"))).value_or("");
-        QVERIFY2(rows_of(log, occlusion_row) > 5, log.c_str());
+        QVERIFY2(rows_of(log, occlusion_row_pattern) > 5, log.c_str());
         QVERIFY(log.find("OCCLUSION PRESSURE TEST") != std::string::npos);
         QVERIFY(log.find("         END OF DATA\r\n") != std::string::npos);
         QVERIFY(!shared().run.ot_pending && !shared().run.ot_running);
@@ -217,7 +245,7 @@ private slots:
         const auto file = [&](const char* name) { return read_text_file(ss(c.work.filePath(name))).value_or(""); };
         QVERIFY(rows_of(file("rt.log")) > 0);
         QVERIFY(file("rt.log").find("END OF DATA") != std::string::npos);
-        QVERIFY(rows_of(file("ot.log"), occlusion_row) > 0);
+        QVERIFY(rows_of(file("ot.log"), occlusion_row_pattern) > 0);
         QVERIFY(file("ot.log").find("END OF DATA") != std::string::npos);
         for (const char* sum : {"rt.sum", "ot.sum"}) {
             QVERIFY2(file(sum).find("SUMMARY") != std::string::npos, sum);
