@@ -212,7 +212,25 @@ void frmDownload::get_download_options() {
         }
 }
 
+namespace {
+
+// A download or a live test is under way: the dialog holds its choice.
+bool run_under_way() {
+    const RunState& r = shared().run;
+    return r.report_pending || r.rt_pending || r.ot_pending || r.rt_running || r.ot_running || r.rt_sum_running ||
+           r.ot_sum_running;
+}
+
+}  // namespace
+
 void frmDownload::CmdOK_Click() {
+    if (run_under_way()) {
+        // A second run would take over the first one's files and timers.
+        msg_box("A download or a test is still running. Stop it before you start another.", box_exclamation,
+                "DOWNLOAD");
+        hide();
+        return;
+    }
     get_download_options();
     if (!mode_chosen || !channel_chosen) {
         // A report on screen loses its Print entry until it is shown anew.
@@ -240,4 +258,8 @@ void frmDownload::CmdOK_Click() {
 
 bool frmDownload::ui_save_to_file() const { return ui->chkSaveFile->isChecked(); }
 
-void frmDownload::cmdCancel_Click() { forms::unload<frmDownload>(); }
+void frmDownload::cmdCancel_Click() {
+    // The run under way reads its choice from this form: it stays loaded.
+    if (run_under_way()) hide();
+    else forms::unload<frmDownload>();
+}

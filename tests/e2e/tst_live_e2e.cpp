@@ -143,6 +143,18 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(child<QLabel>(f, "lblIntFlow")->text() != "__.__", 10000);
         QCOMPARE(child<QLabel>(f, "lblTimeLeft")->text(), QString("N/A"));
         QVERIFY(!f->DurationTimer.isActive());
+        // The dialog opened again mid-test neither goes away nor starts a
+        // second run.
+        frmDownload* d = forms::loaded<frmDownload>();
+        d->show();
+        child<QPushButton>(d, "cmdCancel")->click();
+        flush_deletes();
+        QVERIFY(forms::is_loaded<frmDownload>() && d->isHidden());
+        d->show();
+        c.t.boxes->expect();
+        child<QPushButton>(d, "CmdOK")->click();
+        QCOMPARE(c.t.boxes->shown.size(), std::size_t(1));
+        QVERIFY(f->GetDataTimer.isActive() && shared().run.rt_running);
         child<QPushButton>(f, "cmdStop")->click();
         flush_deletes();
         QVERIFY(!forms::is_loaded<frmRTGraph>());
