@@ -213,7 +213,10 @@ private slots:
         int signals_seen = 0;
         connect(f, &frmDownload::options_accepted, f, [&] {
             ++signals_seen;
-            shared().run.download_ok = run_may_go_on;
+            RunState& run = shared().run;
+            run.download_ok = run_may_go_on;
+            // A run that may not go on leaves nothing under way.
+            if (!run_may_go_on) run.rt_pending = run.ot_pending = run.rt_running = run.ot_running = false;
         });
         // A report on screen with its Print entry on.
         QWidget* report = forms::get("frmReports");
