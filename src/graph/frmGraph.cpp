@@ -131,12 +131,6 @@ bool frmGraph::reload() {
     return false;
 }
 
-void frmGraph::graph_data3() {
-    load_sets();
-    ui->DGraph->set_drawn_points(1, series.graph_last_index);
-    anchor_index = 0;
-}
-
 void frmGraph::set_flow_axis(double min, double max) {
     Chart& g = *ui->DGraph;
     g.set_range(ChartAxis::left, min, max);

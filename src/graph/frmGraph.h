@@ -51,7 +51,6 @@ public:
 
 private:
     void graph_data2();
-    void graph_data3();
     void graph_data4();
     bool load_sets();
     bool reload();
