@@ -14,6 +14,7 @@
 #include "common/forms.h"
 #include "log_stream.h"
 #include "common/message_boxes.h"
+#include "counted_boxes.h"
 #include "common/services.h"
 #include "common/shared_state.h"
 #include "reports/frmReports.h"
@@ -22,26 +23,17 @@
 
 namespace {
 
-// No box is expected; one would be counted, not shown.
-class CountedBoxes final : public kyt::MessageBoxes {
-public:
-    int show(const std::string&, int style, const std::string&) override {
-        ++count;
-        return kyt::box_default_answer(style);
-    }
-    int count = 0;
-};
 
 struct Screen {
     QTemporaryDir work;
     kyt::FakeSerialLine* line;
-    CountedBoxes* boxes;
+    bench::CountedBoxes* boxes;
     frmReports* form;
 
     Screen() {
         kyt::Services& s = kyt::services();
         auto serial = std::make_unique<kyt::FakeSerialLine>();
-        auto counted = std::make_unique<CountedBoxes>();
+        auto counted = std::make_unique<bench::CountedBoxes>();
         line = serial.get();
         boxes = counted.get();
         s.serial = std::move(serial);

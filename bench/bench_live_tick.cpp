@@ -17,6 +17,7 @@
 #include "acquisition/logformat.h"
 #include "common/forms.h"
 #include "common/message_boxes.h"
+#include "counted_boxes.h"
 #include "common/numbers.h"
 #include "common/services.h"
 #include "common/shared_state.h"
@@ -54,14 +55,6 @@ private:
     std::string pending_;
 };
 
-class CountedBoxes final : public kyt::MessageBoxes {
-public:
-    int show(const std::string&, int style, const std::string&) override {
-        ++count;
-        return kyt::box_default_answer(style);
-    }
-    int count = 0;
-};
 
 long resident_kb() {
     long pages = 0, resident = 0;
@@ -74,13 +67,13 @@ long resident_kb() {
 
 struct Screen {
     QTemporaryDir work;
-    CountedBoxes* boxes;
+    bench::CountedBoxes* boxes;
     frmRTGraph* form;
 
     Screen() {
         kyt::Services& s = kyt::services();
         s.serial = std::make_unique<AnsweringLine>();
-        auto counted = std::make_unique<CountedBoxes>();
+        auto counted = std::make_unique<bench::CountedBoxes>();
         boxes = counted.get();
         s.boxes = std::move(counted);
         s.clock = std::make_unique<kyt::SteppingClock>();

@@ -38,8 +38,10 @@ struct LiveRun {
     bool save = true;
 };
 
-// The dialog in real-time mode on channel A, OK pressed.
+// The dialog in real-time mode, OK pressed; the header is filled in when
+// the run saves to files.
 void start_live(const LiveRun& r) {
+    if (r.save) fill_header_when_shown();
     frmDownload* d = forms::get<frmDownload>();
     d->show();
     child<QRadioButton>(d, "optRealTime")->setChecked(true);
@@ -70,13 +72,16 @@ struct FastScreens {
     }
 };
 
-frmRTGraph* fast_screen() {
-    frmRTGraph* f = forms::loaded<frmRTGraph>();
-    if (!f) return nullptr;
-    f->GetDataTimer.setInterval(40);
-    if (f->DurationTimer.isActive()) f->DurationTimer.setInterval(20);
-    return f;
-}
+// The console on a simulator started with the given arguments, the test
+// screens' clocks sped up.
+struct OnSim {
+    Sim sim;
+    Console c;
+    FastScreens fast;
+    explicit OnSim(const QStringList& args) : sim(args) {
+        if (sim.ready()) start_console(c, sim);
+    }
+};
 
 // The rows of a log: lines of the given blanks and a time.
 int rows_of(const std::string& log, const char* pattern = R"(^ {9}\d\d:\d\d:\d\d  )") {
@@ -98,15 +103,13 @@ private slots:
     // columns, the page breaks, the closing block, and the summary with the
     // header written in.
     void single_rate_with_log_and_summary() {
-        Sim sim({"--speed", "600", "--seed", "2"});
-        QVERIFY(sim.ready());
-        Console c;
-        start_console(c, sim);
+        OnSim on({"--speed", "600", "--seed", "2"});
+        QVERIFY(on.sim.ready());
+        Console& c = on.c;
         c.t.dialogs->queue(ss(c.work.filePath("rt.log")));
         c.t.dialogs->queue(ss(c.work.filePath("rt.sum")));
-        fill_header_when_shown();
         start_live({{"chkSingle", "chkReport", "chkTestAuto"}, 2});
-        frmRTGraph* f = fast_screen();
+        frmRTGraph* f = forms::loaded<frmRTGraph>();
         QVERIFY(f && f->isVisible());
         QTRY_VERIFY_WITH_TIMEOUT(!forms::is_loaded<frmRTGraph>(), 30000);
         const std::string log = read_text_file(ss(c.work.filePath("rt.log"))).value_or("");
@@ -133,12 +136,11 @@ private slots:
     // A test of no set length runs until Stop; with nothing to save the
     // screen goes at once.
     void indefinite_test_ended_by_stop() {
-        Sim sim({"--speed", "600"});
-        QVERIFY(sim.ready());
-        Console c;
-        start_console(c, sim);
+        OnSim on({"--speed", "600"});
+        QVERIFY(on.sim.ready());
+        Console& c = on.c;
         start_live({{"chkSingle", "chkTestAuto"}, -1, false});
-        frmRTGraph* f = fast_screen();
+        frmRTGraph* f = forms::loaded<frmRTGraph>();
         QVERIFY(f);
         QTRY_VERIFY_WITH_TIMEOUT(child<QLabel>(f, "lblIntFlow")->text() != "__.__", 10000);
         QCOMPARE(child<QLabel>(f, "lblTimeLeft")->text(), QString("N/A"));
@@ -163,11 +165,9 @@ private slots:
     // Replies that reach the line in pieces are read piece by piece: no
     // message, no harm, and whole replies still shown.
     void split_replies_do_no_harm() {
-        Sim sim({"--speed", "600", "--split"});
-        QVERIFY(sim.ready());
-        Console c;
-        start_console(c, sim);
-        FastScreens fast;
+        OnSim on({"--speed", "600", "--split"});
+        QVERIFY(on.sim.ready());
+        Console& c = on.c;
         start_live({{"chkSingle", "chkTestAuto"}, -1, false});
         frmRTGraph* f = forms::loaded<frmRTGraph>();
         QVERIFY(f);
@@ -181,15 +181,13 @@ private slots:
 
     // Cancel throws the unfinished log away.
     void cancel_deletes_the_log() {
-        Sim sim({"--speed", "600"});
-        QVERIFY(sim.ready());
-        Console c;
-        start_console(c, sim);
+        OnSim on({"--speed", "600"});
+        QVERIFY(on.sim.ready());
+        Console& c = on.c;
         const QString log = c.work.filePath("cut.log");
         c.t.dialogs->queue(ss(log));
-        fill_header_when_shown();
         start_live({{"chkSingle", "chkTestAuto"}, -1});
-        frmRTGraph* f = fast_screen();
+        frmRTGraph* f = forms::loaded<frmRTGraph>();
         QVERIFY(f);
         QTRY_VERIFY_WITH_TIMEOUT(rows_of(read_text_file(ss(log)).value_or("")) > 2, 10000);
         child<QPushButton>(f, "cmdCancel")->click();
@@ -213,13 +211,10 @@ private slots:
         QFETCH(QString, unit);
         QFETCH(double, psi_factor);
         QFETCH(double, mmhg_factor);
-        Sim sim({"--speed", "600", "--seed", "4"});
-        QVERIFY(sim.ready());
-        Console c;
-        start_console(c, sim);
+        OnSim on({"--speed", "600", "--seed", "4"});
+        QVERIFY(on.sim.ready());
+        Console& c = on.c;
         c.t.dialogs->queue(ss(c.work.filePath("ot.log")));
-        fill_header_when_shown();
-        FastScreens fast;
         start_live({{"chkOccl", unit, "chkTestAuto"}, -1});
         frmOTGraph* f = forms::loaded<frmOTGraph>();
         QVERIFY(f && f->isVisible());
@@ -243,13 +238,10 @@ private slots:
 
     // Single-rate, then occlusion: both logs and both summaries.
     void single_rate_then_occlusion() {
-        Sim sim({"--speed", "600", "--seed", "6"});
-        QVERIFY(sim.ready());
-        Console c;
-        start_console(c, sim);
+        OnSim on({"--speed", "600", "--seed", "6"});
+        QVERIFY(on.sim.ready());
+        Console& c = on.c;
         for (const char* name : {"rt.log", "ot.log", "rt.sum", "ot.sum"}) c.t.dialogs->queue(ss(c.work.filePath(name)));
-        fill_header_when_shown();
-        FastScreens fast;
         start_live({{"chkSingle", "chkOccl", "chkReport", "chkTestAuto"}, 0});
         QVERIFY(forms::is_loaded<frmRTGraph>());
         QTRY_VERIFY_WITH_TIMEOUT(forms::is_loaded<frmOTGraph>(), 30000);
@@ -270,14 +262,11 @@ private slots:
     // The device hangs up mid-test: one message, the log closed with every
     // row it had, the screens gone, the console usable.
     void analyser_hangs_up_mid_test() {
-        Sim sim({"--speed", "600", "--hangup-after", "12"});
-        QVERIFY(sim.ready());
-        Console c;
-        start_console(c, sim);
+        OnSim on({"--speed", "600", "--hangup-after", "12"});
+        QVERIFY(on.sim.ready());
+        Console& c = on.c;
         const QString log = c.work.filePath("cut.log");
         c.t.dialogs->queue(ss(log));
-        fill_header_when_shown();
-        FastScreens fast;
         c.t.boxes->expect();
         start_live({{"chkSingle", "chkTestAuto"}, -1});
         QTRY_VERIFY_WITH_TIMEOUT(!forms::is_loaded<frmRTGraph>(), 15000);
@@ -295,14 +284,11 @@ private slots:
     // The analyser falls silent: no message, the log keeps its rows, Stop
     // ends the test.
     void analyser_falls_silent() {
-        Sim sim({"--speed", "600", "--silent-after", "8"});
-        QVERIFY(sim.ready());
-        Console c;
-        start_console(c, sim);
+        OnSim on({"--speed", "600", "--silent-after", "8"});
+        QVERIFY(on.sim.ready());
+        Console& c = on.c;
         const QString log = c.work.filePath("quiet.log");
         c.t.dialogs->queue(ss(log));
-        fill_header_when_shown();
-        FastScreens fast;
         start_live({{"chkSingle", "chkTestAuto"}, -1});
         frmRTGraph* f = forms::loaded<frmRTGraph>();
         QVERIFY(f);
@@ -323,12 +309,10 @@ private slots:
     // Error replies: "e" is told and the polling goes on; "n" ends the run
     // and brings the main window back.
     void error_replies() {
-        Sim sim({"--speed", "600", "--channels", "BCD"});
-        QVERIFY(sim.ready());
-        Console c;
-        start_console(c, sim);
+        OnSim on({"--speed", "600", "--channels", "BCD"});
+        QVERIFY(on.sim.ready());
+        Console& c = on.c;
         c.t.boxes->allow_any();
-        FastScreens fast;
         // Channel B runs, then its test is stopped behind the screen's back.
         frmDownload* d = forms::get<frmDownload>();
         child<QRadioButton>(d, "optChannelB")->setChecked(true);
@@ -355,15 +339,12 @@ private slots:
     // A summary file that cannot be written: the message, and the notice's
     // Cancel leads out.
     void summary_file_unwritable() {
-        Sim sim({"--speed", "600"});
-        QVERIFY(sim.ready());
-        Console c;
-        start_console(c, sim);
+        OnSim on({"--speed", "600"});
+        QVERIFY(on.sim.ready());
+        Console& c = on.c;
         QDir(c.work.path()).mkdir("sub");
         c.t.dialogs->queue(ss(c.work.filePath("rt.log")));
         c.t.dialogs->queue(ss(c.work.filePath("sub/rt.sum")));
-        fill_header_when_shown();
-        FastScreens fast;
         start_live({{"chkSingle", "chkReport", "chkTestAuto"}, -1});
         frmRTGraph* f = forms::loaded<frmRTGraph>();
         QVERIFY(f);
@@ -429,7 +410,6 @@ int run_live_child(int argc, char** argv) {
     forms::get<frmMain>();
     c.t.boxes->allow_any();
     c.t.dialogs->queue(argv[3]);
-    fill_header_when_shown();
     FastScreens fast;
     start_live({{"chkSingle", "chkTestAuto"}, -1});
     return app.exec();
