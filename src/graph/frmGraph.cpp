@@ -7,6 +7,9 @@
 #include "common/chart.h"
 #include "common/forms.h"
 #include "common/message_boxes.h"
+#include "common/numbers.h"
+#include "common/printer.h"
+#include "common/dialog_flags.h"
 #include "common/qt_text.h"
 #include "common/services.h"
 #include "common/shared_state.h"
@@ -39,6 +42,8 @@ frmGraph::frmGraph(QWidget* parent) : QMainWindow(parent), ui(new Ui::frmGraph) 
     connect(ui->cmdFlow, &QPushButton::clicked, this, &frmGraph::cmdFlow_Click);
     connect(ui->cmdVolume, &QPushButton::clicked, this, &frmGraph::volume_toggle);
     connect(ui->cmdNormal, &QPushButton::clicked, this, &frmGraph::cmdNormal_Click);
+    connect(ui->mnuPrintGraph, &QAction::triggered, this, &frmGraph::mnuPrintGraph_Click);
+    connect(ui->mnuBMP, &QAction::triggered, this, &frmGraph::mnuBMP_Click);
 
     center_form(this);
     Chart& g = *ui->DGraph;
@@ -275,6 +280,8 @@ void frmGraph::enable_options() {
                        static_cast<QWidget*>(ui->lblFlowTitle)})
         w->setEnabled(true);
     ui->mnuGraphSettings->setEnabled(true);
+    ui->mnuBMP->setEnabled(true);
+    ui->mnuPrintGraph->setEnabled(true);
     ui->cmdTimeRight->setEnabled(false);
     ui->cmdScaleRight->setEnabled(false);
 }
@@ -284,4 +291,84 @@ void frmGraph::exit_graph() {
         return;
     forms::unload<frmGraph>();
     if (QWidget* main_window = forms::find("frmMain")) main_window->show();
+}
+
+void frmGraph::mnuPrintGraph_Click() {
+    if (msg_box("Are you sure want to print the graph?", box_ask, "PRINTING GRAPH") != answer_yes) {
+        msg_box("Printing graph cancelled", box_exclamation, "CANCEL");
+        return;
+    }
+    const WaitCursor busy;
+    Printer& p = *services().printer;
+    p.set_orientation(PageOrientation::landscape);
+    p.set_font_name("courier new");
+    bool ok = p.print_line() && p.print_line();
+    p.set_x(0.5);
+    p.set_font_size(12);
+    // The heading: the company and today's date, one or two print zones apart.
+    ok = ok && p.print("Corvane Systems Inc.");
+    p.next_zone();
+    if (p.orientation() == PageOrientation::landscape) p.next_zone();
+    ok = ok && p.print_line(format_date(local_now(), "dddd, mmm d yyyy"));
+    ok = ok && p.print_line();
+    p.set_font_size(18);
+    p.set_x(0.5);
+    p.set_bold(true);
+    ok = ok && p.print_line("Data Log Graph");
+    p.set_bold(false);
+    ok = ok && p.print_line();
+    p.set_font_size(12);
+    for (const std::string& line : graph_print_lines(series, graph_file_name)) {
+        p.set_x(0.5);
+        ok = ok && p.print_line(line);
+    }
+    ok = ok && p.print_line();
+    // The chart in a box an inch from the left and three from the top.
+    const double width = p.orientation() == PageOrientation::landscape ? 9 : 6;
+    Chart& chart = *ui->DGraph;
+    ok = ok && p.paint(QRectF(1, 3, width, 4), [&](QPainter& painter, const QRectF& rect) { chart.render(painter, rect); });
+    ok = p.end_job() && ok;
+    if (!ok) msg_box("Error Printing, please refer to your Windows Manual", box_critical, "ERROR");
+}
+
+void frmGraph::mnuBMP_Click() {
+    SharedState& s = shared();
+    CommonDialog& d = common_dialog();
+    d.initial_dir = s.dirs.save_dir;
+    d.default_ext = "BMP";
+    d.title = "SAVE GRAPH AS AN IMAGE";
+    d.filter = "BMP - Bitmap (*.bmp)|*.bmp|WMF - Metafile (*.wmf)|*.wmf|JPG - JPEG (*.jpg)|*.jpg";
+    d.file_name.clear();
+    d.flags = dlg_save_flags;
+    const auto ask = [&] {
+        try {
+            return services().dialogs->show_save(d);
+        } catch (const FileDialogError&) {
+            return std::string();
+        }
+    };
+    std::string name = ask();
+    s.dirs.file_name = name;
+    if (name.empty()) {
+        msg_box("Image conversion cancelled", box_exclamation, "CANCEL");
+        return;
+    }
+    const std::string suffix = graph_image_suffix(name);
+    const ImageFormat format = suffix == "WMF" ? ImageFormat::wmf
+                               : suffix == "JPG" ? ImageFormat::jpg
+                               : suffix == "GIF" ? ImageFormat::gif
+                                                 : ImageFormat::bmp;
+    if (suffix != "WMF" && suffix != "BMP" && suffix != "JPG" && suffix != "GIF") {
+        msg_box("Bad Graph File Name Suffix", box_exclamation, "INVALID SUFFIX");
+        return;
+    }
+    remember_save_folder(name);
+    // A name that cannot be written is asked for again; giving up ends it.
+    Chart& chart = *ui->DGraph;
+    while (!chart.write_image(name, format, chart.size()).empty()) {
+        msg_box("Error in graph file name", box_exclamation, "INVALID FILE NAME");
+        d.file_name.clear();
+        name = ask();
+        if (name.empty()) return;
+    }
 }

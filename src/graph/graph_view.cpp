@@ -95,19 +95,52 @@ FlowScale next_flow_scale(int& state, double base_rate, double flow_scale_max) {
     return s;
 }
 
+namespace {
+
+// The average of the last record but one, as its trimmed text cut to five
+// characters.
+std::string last_average_text(const LogSeries& s) {
+    const std::size_t n = static_cast<std::size_t>(std::max<int>(0, s.graph_last_index));
+    const double avg = n >= 1 && n - 1 < s.graph_avg_flow.size() ? s.graph_avg_flow[n - 1] : 0;
+    return trim(general_number(avg)).substr(0, 5);
+}
+
+std::string lower_case(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+    return text;
+}
+
+}  // namespace
+
+std::vector<std::string> graph_print_lines(const LogSeries& s, const std::string& file_name) {
+    const std::size_t n = static_cast<std::size_t>(std::max<int>(0, s.graph_last_index));
+    const double total = n < s.graph_time.size() ? s.graph_time[n] : 0;
+    return {
+        "Average flow rate:  " + last_average_text(s) + " ml/hr  " + "Total time:  " + general_number(total) + " mins",
+        "Maximum flow rate:  " + format_picture(s.max_flow, "00.00") + " ml/hr " + "Number of Points:  " +
+            std::to_string(s.graph_last_index + 1),
+        "Minimum flow rate:  " + format_picture(s.min_flow, "00.00") + " ml/hr ",
+        "File name:  " + lower_case(file_name),
+    };
+}
+
+std::string graph_image_suffix(std::string_view file_name) {
+    const std::size_t dot = file_name.find('.');
+    const std::size_t from = dot == std::string_view::npos ? 0 : dot + 1;
+    std::string suffix(file_name.substr(std::min(from, file_name.size()), 3));
+    std::transform(suffix.begin(), suffix.end(), suffix.begin(), [](unsigned char c) { return std::toupper(c); });
+    return suffix;
+}
+
 GraphInfo graph_info(const LogSeries& s, const std::string& file_name) {
-    std::string lower = file_name;
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return std::tolower(c); });
     const std::size_t n = static_cast<std::size_t>(std::max<int>(0, s.graph_last_index));
     GraphInfo g;
-    g.caption = "DATA LOG GRAPH - [ " + lower + " ]";
+    g.caption = "DATA LOG GRAPH - [ " + lower_case(file_name) + " ]";
     g.points = "No Pts:  " + std::to_string(s.graph_last_index + 1);
     g.total_time = "Total Time:  " + general_number(s.graph_time.empty() ? 0 : std::floor(s.graph_time[n])) + " mins";
     g.max_flow = "Max:  " + general_number(s.max_flow);
     g.min_flow = "Min:  " + general_number(s.min_flow);
-    // The average of the last record but one, cut to five characters.
-    const double avg = n >= 1 && n - 1 < s.graph_avg_flow.size() ? s.graph_avg_flow[n - 1] : 0;
-    g.avg_flow = "Avg:  " + trim(general_number(avg)).substr(0, 5);
+    g.avg_flow = "Avg:  " + last_average_text(s);
     g.set_rate = " " + general_number(s.base_rate) + " (ml/hr)";
     return g;
 }

@@ -5,6 +5,7 @@
 // from 1 as the chart counts them; point i stands at x = graph_time(i - 1).
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "graph/log_series.h"
@@ -60,5 +61,13 @@ struct GraphInfo {
     bool operator==(const GraphInfo&) const = default;
 };
 GraphInfo graph_info(const LogSeries& s, const std::string& file_name);
+
+// The four lines of figures on the printed graph page.
+std::vector<std::string> graph_print_lines(const LogSeries& s, const std::string& file_name);
+
+// The suffix of an image name as the graph's Save as Image reads it: the
+// three characters after the first dot, in upper case (the first three of
+// the name when it has no dot). "BMP", "WMF", "JPG" and "GIF" are taken.
+std::string graph_image_suffix(std::string_view file_name);
 
 }  // namespace kyt

@@ -7,11 +7,14 @@
 #include <QAction>
 #include <QLabel>
 #include <QPushButton>
+#include <QTemporaryDir>
 
 #include "common/chart.h"
 #include "common/forms.h"
 #include "graph/frmGraph.h"
 #include "support/form_script.h"
+#include "support/pdf_printer.h"
+#include "support/pdf_text.h"
 #include "support/test_services.h"
 
 using namespace kyt;
@@ -92,6 +95,74 @@ private slots:
         QCOMPARE(t.boxes->shown.back().text, std::string("Occlusion Pressure test Graph not implemented"));
         QCOMPARE(view_of(f), before);
         QCOMPARE(f->windowTitle(), title);
+    }
+
+    // The printed page: landscape, the heading, the four lines of figures
+    // and the chart in its box.
+    void printed_page() {
+        auto t = test::install_test_services();
+        QTemporaryDir pdfs;
+        services().printer = std::make_unique<test::PdfPrinter>(pdfs.path());
+        frmGraph* f = test::open_fresh<frmGraph>();
+        const QString log = graph_log("single_rate_45min.log");
+        t.dialogs->queue(log.toStdString());
+        f->findChild<QAction*>("mnuOpen")->trigger();
+        t.boxes->answer(answer_yes);
+        f->findChild<QAction*>("mnuPrintGraph")->trigger();
+        const QStringList pdf = QDir(pdfs.path()).entryList({"*.pdf"});
+        QCOMPARE(pdf.size(), 1);
+        const QString path = pdfs.filePath(pdf.first());
+        QCOMPARE(test::page_count(path), 1);
+        QVERIFY(test::is_landscape(path));
+        const QString text = test::page_texts(path).value(0);
+        for (const QString& expected : {QString("Corvane Systems Inc."), QString("Data Log Graph"),
+                                        QString("Average flow rate:"), QString("Number of Points:"),
+                                        QString("Minimum flow rate:"), "File name:  " + log.toLower(),
+                                        QString("Time (minutes)")})
+            QVERIFY2(text.simplified().contains(expected.simplified()), qPrintable(expected + " not in\n" + text));
+    }
+
+    // Save Graph as Image: the suffix decides the format; a refused suffix,
+    // a given-up dialog and a folder that cannot be written are told.
+    void image_files_data() {
+        QTest::addColumn<QStringList>("names");  // the dialog's answers, in the work folder
+        QTest::addColumn<QStringList>("boxes");
+        QTest::addColumn<QByteArray>("magic");   // how the written file begins; empty: none written
+        QTest::newRow("bitmap") << QStringList{"g.bmp"} << QStringList{} << QByteArray("BM");
+        QTest::newRow("metafile, upper case") << QStringList{"g.WMF"} << QStringList{} << QByteArray("\xd7\xcd\xc6\x9a");
+        QTest::newRow("JPEG") << QStringList{"g.jpg"} << QStringList{} << QByteArray("\xff\xd8");
+        QTest::newRow("GIF, not in the filter") << QStringList{"g.gif"} << QStringList{} << QByteArray("GIF8");
+        QTest::newRow(".jpeg reads as JPE") << QStringList{"g.jpeg"} << QStringList{"Bad Graph File Name Suffix"}
+                                            << QByteArray();
+        QTest::newRow("given up") << QStringList{""} << QStringList{"Image conversion cancelled"} << QByteArray();
+        QTest::newRow("folder that cannot be written, then given up")
+            << QStringList{"missing/g.bmp", ""} << QStringList{"Error in graph file name"} << QByteArray();
+        QTest::newRow("folder that cannot be written, then another name")
+            << QStringList{"missing/g.bmp", "g.bmp"} << QStringList{"Error in graph file name"} << QByteArray("BM");
+    }
+    void image_files() {
+        QFETCH(QStringList, names);
+        QFETCH(QStringList, boxes);
+        QFETCH(QByteArray, magic);
+        auto t = test::install_test_services();
+        QTemporaryDir work;
+        frmGraph* f = test::open_fresh<frmGraph>();
+        t.dialogs->queue(graph_log("single_rate_45min.log").toStdString());
+        f->findChild<QAction*>("mnuOpen")->trigger();
+        for (const QString& n : names) t.dialogs->queue(n.isEmpty() ? "" : work.filePath(n).toStdString());
+        t.boxes->expect(boxes.size());
+        f->findChild<QAction*>("mnuBMP")->trigger();
+        QStringList told;
+        for (const auto& b : t.boxes->shown) told << QString::fromStdString(b.text);
+        QCOMPARE(told, boxes);
+        QCOMPARE(t.dialogs->requests.back().dialog.title, std::string("SAVE GRAPH AS AN IMAGE"));
+        const QStringList files = QDir(work.path()).entryList(QDir::Files);
+        QCOMPARE(files.size(), magic.isEmpty() ? 0 : 1);
+        if (!magic.isEmpty()) {
+            QFile file(work.filePath(files.first()));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            QCOMPARE(file.read(magic.size()), magic);
+        }
     }
 
     void exit_asks() {

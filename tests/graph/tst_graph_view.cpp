@@ -104,6 +104,13 @@ private slots:
         QCOMPARE(g.avg_flow, std::string("Avg:  99.87"));
         QCOMPARE(g.set_rate, std::string(" 100 (ml/hr)"));
     }
+
+    // The image suffix: three characters after the first dot, upper case.
+    void image_suffix() {
+        QCOMPARE(graph_image_suffix("chart.wmf"), std::string("WMF"));
+        QCOMPARE(graph_image_suffix("graph"), std::string("GRA"));          // no dot: the name's first three
+        QCOMPARE(graph_image_suffix("/logs.v2/g.bmp"), std::string("V2/"));  // the first dot counts
+    }
 };
 
 QTEST_MAIN(tst_graph_view)
