@@ -9,11 +9,13 @@
 #include "admin/frmPassWord.h"
 #include "admin/frmSysAd.h"
 #include "common/forms.h"
+#include "graph/frmGraph.h"
 #include "link/frmChangePort.h"
 #include "link/frmTestPort.h"
 #include "reports/frmFileExists.h"
 #include "reports/frmInProgress.h"
 #include "reports/frmReports.h"
+#include "trumpet/frmSetRate.h"
 
 void register_all_forms() {
     using namespace kyt::forms;
@@ -21,12 +23,14 @@ void register_all_forms() {
     register_form<frmChangePort>();
     register_form<frmChgPassword>();
     register_form<frmDownload>();
+    register_form<frmGraph>();
     register_form<frmHeader>();
     register_form<frmInProgress>();
     register_form<frmOTGraph>();
     register_form<frmPassWord>();
     register_form<frmReports>();
     register_form<frmRTGraph>();
+    register_form<frmSetRate>();
     register_form<frmSummary>();
     register_form<frmTestPort>();
     // The administrator's form and the overwrite question are left to close

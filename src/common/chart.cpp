@@ -63,6 +63,8 @@ Chart::Chart(QWidget* parent) : QWidget(parent), plot_(new QCustomPlot(this)) {
     layout->addWidget(plot_);
 
     plot_->setBackground(Qt::white);
+    // The chart offers nothing to the keyboard: the forms' buttons move it.
+    plot_->setFocusPolicy(Qt::NoFocus);
     plot_->setAntialiasedElements(QCP::aePlottables);
     plot_->plotLayout()->insertRow(0);
     title_ = new QCPTextElement(plot_, QString());

@@ -56,6 +56,8 @@ struct SharedState {
     std::string password;
     bool password_required = false;
     std::string help_topic;
+    double entered_rate = 0;   // the base rate last typed in the rate dialog
+    bool rate_changed = false; // the rate dialog changed the base rate
     int help_page = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "graph/frmGraph.h"
 
 #include <QCloseEvent>
+#include <QDialog>
 
 #include "app/dialogs/file_dialogs.h"
 #include "app/dialogs/global_save_open.h"
@@ -44,6 +45,17 @@ frmGraph::frmGraph(QWidget* parent) : QMainWindow(parent), ui(new Ui::frmGraph) 
     connect(ui->cmdNormal, &QPushButton::clicked, this, &frmGraph::cmdNormal_Click);
     connect(ui->mnuPrintGraph, &QAction::triggered, this, &frmGraph::mnuPrintGraph_Click);
     connect(ui->mnuBMP, &QAction::triggered, this, &frmGraph::mnuBMP_Click);
+    connect(ui->cmdSetRate, &QPushButton::clicked, this, &frmGraph::cmdSetRate_Click);
+    // Help and About, when this build holds their screens.
+    ui->mnuGraphHelp->setEnabled(forms::has_factory("frmKYTGHelp"));
+    ui->mnuAbout->setEnabled(forms::has_factory("frmAbout"));
+    connect(ui->mnuGraphHelp, &QAction::triggered, this, [] {
+        shared().help_topic = "graph";
+        if (QWidget* help = forms::get("frmKYTGHelp")) help->show();
+    });
+    connect(ui->mnuAbout, &QAction::triggered, this, [] {
+        if (auto* about = qobject_cast<QDialog*>(forms::get("frmAbout"))) about->exec();
+    });
 
     center_form(this);
     Chart& g = *ui->DGraph;
@@ -92,7 +104,7 @@ void frmGraph::mnuOpen_Click() {
         tell(*read.message);
         return;
     }
-    series = std::move(read.series);
+    graph_series() = std::move(read.series);
     first_draw();
 }
 
@@ -112,15 +124,15 @@ void frmGraph::first_draw() {
 // The three series into the chart, each point at its time.
 bool frmGraph::load_sets() {
     Chart& g = *ui->DGraph;
-    const std::size_t n = series.graph_time.size();
+    const std::size_t n = graph_series().graph_time.size();
     std::vector<double> flow(n), avg(n), volume(n);
     for (std::size_t i = 0; i < n; ++i) {
-        flow[i] = static_cast<float>(series.graph_flow[i]);
-        avg[i] = static_cast<float>(series.graph_avg_flow[i]);
-        volume[i] = static_cast<float>(series.graph_volume[i]);
+        flow[i] = static_cast<float>(graph_series().graph_flow[i]);
+        avg[i] = static_cast<float>(graph_series().graph_avg_flow[i]);
+        volume[i] = static_cast<float>(graph_series().graph_volume[i]);
     }
-    return g.set_points(1, series.graph_time, flow) && g.set_points(2, series.graph_time, avg) &&
-           g.set_points(3, series.graph_time, volume);
+    return g.set_points(1, graph_series().graph_time, flow) && g.set_points(2, graph_series().graph_time, avg) &&
+           g.set_points(3, graph_series().graph_time, volume);
 }
 
 // The legends and the whole series into the chart; a chart that cannot
@@ -145,13 +157,13 @@ void frmGraph::set_flow_axis(double min, double max) {
 void frmGraph::graph_data4() {
     const WaitCursor busy;
     Chart& g = *ui->DGraph;
-    set_flow_axis(series.flow_scale_min, series.flow_scale_max);
+    set_flow_axis(graph_series().flow_scale_min, graph_series().flow_scale_max);
     g.set_set_count(3);
     g.set_axis_of(3, ChartAxis::right);
     too_many_points = false;
     if (!reload()) return;
     anchor_index = 0;
-    g.set_drawn_points(1, opening_last_point(series.graph_time, anchor_index));
+    g.set_drawn_points(1, opening_last_point(graph_series().graph_time, anchor_index));
     g.set_range(ChartAxis::x, 0, 10);
     g.set_tick_step(ChartAxis::x, 10, 5);
     g.set_curve_style(1, shown_if(flow_shown));
@@ -166,7 +178,7 @@ void frmGraph::graph_data4() {
 void frmGraph::graph_data2() {
     Chart& g = *ui->DGraph;
     const AxisRange x = g.range(ChartAxis::x);
-    set_flow_axis(series.flow_scale_min, series.flow_scale_max);
+    set_flow_axis(graph_series().flow_scale_min, graph_series().flow_scale_max);
     if (!reload()) return;
     // The stretch the chart showed, found again among the points; the range
     // moves on by one record, as this rebuild always has.
@@ -201,7 +213,7 @@ void frmGraph::show_stretch() {
         const AxisRange x = ui->DGraph->range(ChartAxis::x);       \
         window.x_min = x.min;                                      \
         window.x_max = x.max;                                      \
-        window.step(series.graph_time);                            \
+        window.step(graph_series().graph_time);                            \
         show_stretch();                                            \
     }
 KYT_ARROW(cmdTimeLeft_Click, later)
@@ -211,7 +223,7 @@ KYT_ARROW(cmdScaleRight_Click, shorter)
 #undef KYT_ARROW
 
 void frmGraph::cmdIncreaseFlowScale_Click() {
-    const FlowScale s = next_flow_scale(flow_scale_state, series.base_rate, series.flow_scale_max);
+    const FlowScale s = next_flow_scale(flow_scale_state, graph_series().base_rate, graph_series().flow_scale_max);
     ui->lblFlowTitle->setText(qs(s.title));
     set_flow_axis(s.min, s.max);
     ui->DGraph->repaint_soon();
@@ -261,7 +273,7 @@ void frmGraph::cmdNormal_Click() {
 }
 
 void frmGraph::update_graph_info() {
-    const GraphInfo g = graph_info(series, graph_file_name);
+    const GraphInfo g = graph_info(graph_series(), graph_file_name);
     setWindowTitle(qs(g.caption));
     ui->lblNoPoints->setText(qs(g.points));
     ui->lblTotalTime->setText(qs(g.total_time));
@@ -280,10 +292,16 @@ void frmGraph::enable_options() {
                        static_cast<QWidget*>(ui->lblFlowTitle)})
         w->setEnabled(true);
     ui->mnuGraphSettings->setEnabled(true);
+    ui->cmdSetRate->setEnabled(true);
     ui->mnuBMP->setEnabled(true);
     ui->mnuPrintGraph->setEnabled(true);
     ui->cmdTimeRight->setEnabled(false);
     ui->cmdScaleRight->setEnabled(false);
+}
+
+void frmGraph::cmdSetRate_Click() {
+    if (auto* dialog = qobject_cast<QDialog*>(forms::get("frmSetRate"))) dialog->exec();
+    update_graph_info();
 }
 
 void frmGraph::exit_graph() {
@@ -318,7 +336,7 @@ void frmGraph::mnuPrintGraph_Click() {
     p.set_bold(false);
     ok = ok && p.print_line();
     p.set_font_size(12);
-    for (const std::string& line : graph_print_lines(series, graph_file_name)) {
+    for (const std::string& line : graph_print_lines(graph_series(), graph_file_name)) {
         p.set_x(0.5);
         ok = ok && p.print_line(line);
     }

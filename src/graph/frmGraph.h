@@ -38,14 +38,14 @@ public:
     void update_graph_info();
     void enable_options();
     void exit_graph();
+    // The base rate dialog, then the figures again.
+    void cmdSetRate_Click();
     // One landscape page: the heading, the figures and the chart as it
     // stands on the screen.
     void mnuPrintGraph_Click();
     // The chart to a BMP, WMF, JPG or GIF file.
     void mnuBMP_Click();
 
-    // The log on show; replaced whole by each accepted open.
-    kyt::LogSeries series;
     std::string graph_file_name;
     kyt::TimeWindow window;
     int anchor_index = 0;

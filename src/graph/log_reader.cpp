@@ -284,6 +284,11 @@ LogReadResult read_log(std::string_view text, bool single_rate_test) {
     return r;
 }
 
+LogSeries& graph_series() {
+    static LogSeries series;
+    return series;
+}
+
 LogReadResult read_log_file(const std::string& path, bool single_rate_test) {
     const std::optional<std::string> text = read_text_file(path);
     if (!text) {

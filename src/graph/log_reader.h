@@ -54,6 +54,10 @@ struct LogReadResult {
     bool accepted() const { return !message.has_value(); }
 };
 
+// The log the graph shows, program-wide: the graph view, its print-out and
+// the trumpet read it; an accepted log replaces it whole.
+LogSeries& graph_series();
+
 // Reads a log held in memory (bytes, lines ended by CR LF).
 // single_rate_test: whether a single-rate heading was met in an earlier log
 // read by the same graph form; it counts as met here too.

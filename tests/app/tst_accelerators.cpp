@@ -83,6 +83,8 @@ private slots:
         QTest::newRow("frmRTGraph") << "frmRTGraph" << 0;
         QTest::newRow("frmOTGraph") << "frmOTGraph" << 0;
         QTest::newRow("frmSummary") << "frmSummary" << 1;
+        QTest::newRow("frmGraph") << "frmGraph" << 3;
+        QTest::newRow("frmSetRate") << "frmSetRate" << 2;
     }
     void every_access_key_acts() {
         QFETCH(QString, form);

@@ -6,12 +6,15 @@
 
 #include <QAction>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QTemporaryDir>
 
 #include "common/chart.h"
 #include "common/forms.h"
 #include "graph/frmGraph.h"
+#include "trumpet/frmSetRate.h"
+#include "common/shared_state.h"
 #include "support/form_script.h"
 #include "support/pdf_printer.h"
 #include "support/pdf_text.h"
@@ -43,6 +46,8 @@ QString view_of(frmGraph* f) {
 class tst_graph_form : public QObject {
     Q_OBJECT
 private slots:
+    void initTestCase() { forms::register_form<frmSetRate>(); }
+
     void cleanup() {
         forms::unload<frmGraph>();
         test::flush_deletes();
@@ -83,18 +88,89 @@ private slots:
     }
 
     // A file the reader refuses is told, and the graph on show stays.
-    void refused_file_keeps_the_graph() {
+    void refused_files_data() {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QString>("message");  // the start of the box's text
+        QTest::newRow("occlusion log") << "occlusion" << "Occlusion Pressure test Graph not implemented";
+        QTest::newRow("not a log") << "text" << "Insufficient number of Graph Points";
+        QTest::newRow("empty file") << "empty" << "Insufficient number of Graph Points";
+        QTest::newRow("100 MB of nothing") << "huge" << "Insufficient number of Graph Points";
+        QTest::newRow("a record cut short") << "damaged" << "";
+        QTest::newRow("more than 32767 records") << "long" << "";
+    }
+    void refused_files() {
+        QFETCH(QString, kind);
+        QFETCH(QString, message);
         auto t = test::install_test_services();
-        frmGraph* f = test::open_fresh<frmGraph>();
+        QTemporaryDir work;
+        QString name = work.filePath("refused.log");
+        QFile f(name);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        QFile base(graph_log("single_rate_45min.log"));
+        QVERIFY(base.open(QIODevice::ReadOnly));
+        const QByteArray log = base.readAll();
+        if (kind == "occlusion") name = graph_log("occlusion.log");
+        if (kind == "text") f.write("hello\r\n");
+        if (kind == "huge") f.resize(100 << 20);
+        if (kind == "damaged") f.write(QByteArray(log).replace("00:10:00  ", "00:10:00\r\n"));
+        if (kind == "long") {
+            const int head = log.indexOf("00:00:30");
+            f.write(log.left(head));
+            for (int i = 0; i < 33000; ++i)
+                f.write(QString("         %1:%2:%3  50.00   50.00    1.000     3\r\n")
+                            .arg(i / 120 % 100, 2, 10, QChar('0')).arg(i / 2 % 60, 2, 10, QChar('0'))
+                            .arg(i % 2 * 30, 2, 10, QChar('0')).toLatin1());
+        }
+        f.close();
+        frmGraph* form = test::open_fresh<frmGraph>();
         t.dialogs->queue(graph_log("single_rate_45min.log").toStdString());
-        f->findChild<QAction*>("mnuOpen")->trigger();
-        const QString before = view_of(f), title = f->windowTitle();
-        t.dialogs->queue(graph_log("occlusion.log").toStdString());
-        t.boxes->expect();
-        f->findChild<QAction*>("mnuOpen")->trigger();
-        QCOMPARE(t.boxes->shown.back().text, std::string("Occlusion Pressure test Graph not implemented"));
-        QCOMPARE(view_of(f), before);
-        QCOMPARE(f->windowTitle(), title);
+        form->findChild<QAction*>("mnuOpen")->trigger();
+        const QString before = view_of(form), title = form->windowTitle();
+        t.dialogs->queue(name.toStdString());
+        t.boxes->allow_any();
+        form->findChild<QAction*>("mnuOpen")->trigger();
+        QCOMPARE(t.boxes->shown.size(), std::size_t(1));
+        QVERIFY2(QString::fromStdString(t.boxes->shown[0].text).startsWith(message), t.boxes->shown[0].text.c_str());
+        QCOMPARE(view_of(form), before);
+        QCOMPARE(form->windowTitle(), title);
+    }
+
+    // The base rate dialog: a number other than 0 becomes the base rate;
+    // anything else is told.
+    void base_rate_data() {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("box");
+        QTest::addColumn<QString>("shown");  // lblSetRate afterwards
+        QTest::newRow("a rate") << "120" << "" << " 120 (ml/hr)";
+        QTest::newRow("zero") << "0" << "Zero value not possible." << " 50 (ml/hr)";
+        QTest::newRow("not a number") << "fast" << "Non-numeric value" << " 50 (ml/hr)";
+    }
+    void base_rate() {
+        QFETCH(QString, typed);
+        QFETCH(QString, box);
+        QFETCH(QString, shown);
+        auto t = test::install_test_services();
+        frmGraph* form = test::open_fresh<frmGraph>();
+        t.dialogs->queue(graph_log("single_rate_45min.log").toStdString());
+        form->findChild<QAction*>("mnuOpen")->trigger();
+        t.boxes->expect(box.isEmpty() ? 0 : 1);
+        // The rate typed once the dialog is up, Enter pressed; a dialog that
+        // stays is cancelled.
+        QTimer watch;
+        connect(&watch, &QTimer::timeout, [&] {
+            QWidget* d = forms::find("frmSetRate");
+            if (!d || !d->isVisible()) return;
+            watch.stop();
+            auto* field = d->findChild<QLineEdit*>("txtSetRate");
+            field->setText(typed);
+            QTest::keyClick(field, Qt::Key_Return);
+            if (forms::find("frmSetRate")) d->findChild<QPushButton*>("cmdCancel")->click();
+        });
+        watch.start(10);
+        form->findChild<QPushButton*>("cmdSetRate")->click();
+        QCOMPARE(t.boxes->shown.empty() ? QString() : QString::fromStdString(t.boxes->shown[0].text), box);
+        QCOMPARE(form->findChild<QLabel*>("lblSetRate")->text(), shown);
+        QCOMPARE(shared().rate_changed, box.isEmpty());
     }
 
     // The printed page: landscape, the heading, the four lines of figures
