@@ -238,6 +238,12 @@ private slots:
             QFile file(work.filePath(files.first()));
             QVERIFY(file.open(QIODevice::ReadOnly));
             QCOMPARE(file.read(magic.size()), magic);
+            // A reader of its own takes the bitmaps at the chart's size.
+            if (!files.first().endsWith("WMF")) {
+                const QSize chart = f->findChild<Chart*>("DGraph")->size();
+                QCOMPARE(test::run("identify", {"-format", "%w %h", work.filePath(files.first())}),
+                         QString("%1 %2").arg(chart.width()).arg(chart.height()));
+            }
         }
     }
 
