@@ -4,6 +4,8 @@
 // with the longest report text the capture held in hand.
 #include <benchmark/benchmark.h>
 
+#include "form_bench_main.h"
+
 #include <QApplication>
 #include <QTemporaryDir>
 
@@ -85,11 +87,4 @@ void BM_whole_log_through_the_screen(benchmark::State& state) {
 BENCHMARK(BM_tick_on_4k_block)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_whole_log_through_the_screen)->Arg(2 << 20)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+KYT_FORM_BENCHMARK_MAIN()

@@ -4,6 +4,8 @@
 // point goes into the chart; the view only moves its x range.
 #include <benchmark/benchmark.h>
 
+#include "form_bench_main.h"
+
 #include <QApplication>
 #include <QTemporaryDir>
 
@@ -90,11 +92,4 @@ void BM_move_stretch_and_draw(benchmark::State& state) {
 BENCHMARK(BM_open_to_first_draw)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_move_stretch_and_draw)->Unit(benchmark::kMillisecond);
 
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+KYT_FORM_BENCHMARK_MAIN()

@@ -5,6 +5,8 @@
 // and the tick time of the first and the last thousand.
 #include <benchmark/benchmark.h>
 
+#include "form_bench_main.h"
+
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QTemporaryDir>
@@ -131,11 +133,4 @@ void BM_ten_thousand_ticks(benchmark::State& state) {
 BENCHMARK(BM_poll_tick)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_ten_thousand_ticks)->Unit(benchmark::kMillisecond)->Iterations(1);
 
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+KYT_FORM_BENCHMARK_MAIN()
