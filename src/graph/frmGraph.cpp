@@ -69,21 +69,12 @@ frmGraph::frmGraph(QWidget* parent) : QMainWindow(parent), ui(new Ui::frmGraph) 
 frmGraph::~frmGraph() { delete ui; }
 
 void frmGraph::display_graph_dialog() {
-    SharedState& s = shared();
     CommonDialog& d = common_dialog();
-    d.initial_dir = s.dirs.save_dir;
+    d.initial_dir = shared().dirs.save_dir;
     d.default_ext = std::string(GraphFileDialog::default_extension);
     d.filter = std::string(GraphFileDialog::filter);
-    d.file_name.clear();
-    d.flags = GraphFileDialog::flags;
     d.title = std::string(GraphFileDialog::title);
-    try {
-        d.file_name = services().dialogs->show_open(d);
-    } catch (const FileDialogError&) {
-        d.file_name.clear();
-    }
-    s.dirs.file_name = d.file_name;
-    if (!d.file_name.empty()) remember_save_folder(d.file_name);
+    shared().dirs.file_name = open_and_remember(d);
 }
 
 void frmGraph::mnuOpen_Click() {

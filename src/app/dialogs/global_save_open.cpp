@@ -18,8 +18,8 @@ void set_filter(CommonDialog& d, bool log_first) {
     d.default_ext = log_first ? "LOG" : "SUM";
 }
 
-// The Open dialog with an empty name; the name chosen, whose folder becomes
-// the save folder, or empty when the operator gave up.
+}  // namespace
+
 std::string open_and_remember(CommonDialog& d) {
     d.file_name.clear();
     d.flags = dlg_open_flags;
@@ -32,8 +32,6 @@ std::string open_and_remember(CommonDialog& d) {
     if (!d.file_name.empty()) remember_save_folder(d.file_name);
     return d.file_name;
 }
-
-}  // namespace
 
 void remember_save_folder(const std::string& name) {
     SharedState& s = shared();

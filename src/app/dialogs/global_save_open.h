@@ -6,6 +6,8 @@
 
 namespace kyt {
 
+struct CommonDialog;
+
 // The two filter orders and their default extensions.
 inline constexpr const char* kLogFirstFilter =
     "Log Files (*.log)| *.log|Summary files (*.sum) | *.sum|Data files (*.dat) | *.dat|All files (*.*) | *.*";
@@ -24,6 +26,11 @@ std::string show_save_dialog();
 // spreadsheet filter; its folder becomes the save folder. Empty when the
 // operator gave up.
 std::string show_csv_save_dialog();
+
+// The Open dialog as the caller has set it up, with an empty name: the name
+// chosen, whose folder becomes the save folder, or empty when the operator
+// gave up (a dialog that cannot come up is told).
+std::string open_and_remember(CommonDialog& d);
 
 // The save folder becomes the folder of `name`, and its setting follows it.
 void remember_save_folder(const std::string& name);
