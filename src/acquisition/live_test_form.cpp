@@ -5,6 +5,7 @@
 
 #include "acquisition/frmDownload.h"
 #include "acquisition/logformat.h"
+#include "common/file_text.h"
 #include "common/forms.h"
 #include "common/message_boxes.h"
 #include "common/services.h"
@@ -13,7 +14,6 @@
 #include "link/global_comm.h"
 #include "link/protocol.h"
 #include "link/serial_line.h"
-#include "common/file_text.h"
 
 using namespace kyt;
 
@@ -159,7 +159,8 @@ bool LiveTestForm::write_summary() {
     SharedState& s = shared();
     s.dirs.file_name = summary_file();
     const std::string text = summary_file_text(gather_.text(), s.report_rec, s.run.header_entered, s.run.download_mode);
-    if (write_text_file(summary_file(), text)) return true;
+    // Whole or not at all: a failure leaves no half summary under the name.
+    if (replace_file_whole(summary_file(), text)) return true;
     tell(summary_write_error());
     return false;
 }
