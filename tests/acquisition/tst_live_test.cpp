@@ -87,12 +87,6 @@ private slots:
         // The block that carries the 7 leaves only a line end.
         QCOMPARE(g.text(), std::string("SUMMARY\r\n\r\ne\r\r\n"));
     }
-
-    void time_left() {
-        QCOMPARE(seconds_to_hhmmss(3725), std::string("01:02:05"));
-        QCOMPARE(seconds_to_hhmmss(0), std::string("00:00:00"));
-        QCOMPARE(seconds_to_hhmmss(360000), std::string("100:00:00"));
-    }
 };
 
 QTEST_MAIN(tst_live_test)
