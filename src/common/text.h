@@ -26,6 +26,7 @@ std::string ltrim(std::string_view s);
 std::string rtrim(std::string_view s);
 
 std::string upper(std::string_view s);
+std::string lower(std::string_view s);
 bool iequals(std::string_view a, std::string_view b);
 
 // 1-based position of needle in hay at or after start, 0 when absent.

@@ -105,11 +105,6 @@ std::string last_average_text(const LogSeries& s) {
     return trim(general_number(avg)).substr(0, 5);
 }
 
-std::string lower_case(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
-    return text;
-}
-
 }  // namespace
 
 std::vector<std::string> graph_print_lines(const LogSeries& s, const std::string& file_name) {
@@ -120,7 +115,7 @@ std::vector<std::string> graph_print_lines(const LogSeries& s, const std::string
         "Maximum flow rate:  " + format_picture(s.max_flow, "00.00") + " ml/hr " + "Number of Points:  " +
             std::to_string(s.graph_last_index + 1),
         "Minimum flow rate:  " + format_picture(s.min_flow, "00.00") + " ml/hr ",
-        "File name:  " + lower_case(file_name),
+        "File name:  " + lower(file_name),
     };
 }
 
@@ -135,7 +130,7 @@ std::string graph_image_suffix(std::string_view file_name) {
 GraphInfo graph_info(const LogSeries& s, const std::string& file_name) {
     const std::size_t n = static_cast<std::size_t>(std::max<int>(0, s.graph_last_index));
     GraphInfo g;
-    g.caption = "DATA LOG GRAPH - [ " + lower_case(file_name) + " ]";
+    g.caption = "DATA LOG GRAPH - [ " + lower(file_name) + " ]";
     g.points = "No Pts:  " + std::to_string(s.graph_last_index + 1);
     g.total_time = "Total Time:  " + general_number(s.graph_time.empty() ? 0 : std::floor(s.graph_time[n])) + " mins";
     g.max_flow = "Max:  " + general_number(s.max_flow);

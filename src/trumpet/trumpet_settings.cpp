@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "common/numbers.h"
+#include "common/text.h"
 
 namespace kyt {
 
@@ -57,23 +58,16 @@ TrumpSetLoad trumpset_load(double log_minutes) {
     }
     // The start selected at load: minute 0 on a log of at most 60 minutes,
     // else minute 60 (entry 2) or minute 30 (entry 1). With one or two
-    // entries, which logs of 61 to 120 minutes give, the entry is missing.
+    // entries, which logs of 61 to 120 minutes give, the wanted entry is
+    // missing and the last one stands in for it.
     if (k == 0) {
         c.start_entries.push_back("0");
         c.start_selected = 0;
-        c.trumpet_start_time = 0;
     } else {
         const int wanted = k >= 2 ? 2 : 1;
-        if (wanted >= static_cast<int>(c.start_entries.size())) {
-            load.error = BoxMessage{"The trumpet settings cannot be set up for a log of " + general_number(L) +
-                                          " minutes: a log longer than 60 and at most 120 minutes has no start "
-                                          "entry " +
-                                          whole(wanted),
-                                      "ERROR", box_critical};
-        }
-        c.start_selected = wanted;
-        c.trumpet_start_time = minutes16(wanted * start_step);
+        c.start_selected = std::min(wanted, static_cast<int>(c.start_entries.size()) - 1);
     }
+    c.trumpet_start_time = minutes16(c.start_selected * start_step);
 
     for (int j = 1; j * length_step < L; ++j) load.length_entries.push_back(whole(j * length_step));
     load.length_entries.emplace_back(all_entry);
@@ -129,6 +123,57 @@ TrumpetSummaryTexts trumpet_summary_texts(const TrumpetResult& result, double ba
     const int length = trumpet_end_time >= 60 ? trumpet_end_time - trumpet_start_time : trumpet_end_time;
     t.analysis_period = "Analysis Period:  " + whole(length) + " min  -  From " + whole(trumpet_start_time) +
                         " to " + whole(trumpet_end_time) + " min";
+    return t;
+}
+
+std::string trumpet_title(const std::string& graph_file_name) {
+    return "TRUMPET GRAPH - [" + lower(graph_file_name) + " ]";
+}
+
+namespace {
+
+// A cell of the printed table in the picture "00.00", after the blanks that
+// keep the columns in line with a minus sign. The sign is read back from the
+// formatted text, so a tiny negative that formats to zero counts as zero.
+std::string page_cell(float value, int blanks_when_not_negative) {
+    const std::string text = format_picture(as_decimal(value), "00.00");
+    const bool negative = leading_number(text) < 0;
+    return std::string(static_cast<std::size_t>(blanks_when_not_negative - (negative ? 1 : 0)), ' ') + text;
+}
+
+std::string period_heading() {
+    std::string line(12, ' ');
+    for (std::size_t i = 0; i < observation_periods.size(); ++i)
+        line += (i == 0 ? "" : std::string(17, ' ')) + whole(observation_periods[i]);
+    return line;
+}
+
+}  // namespace
+
+TrumpetPageTexts trumpet_page_texts(const TrumpetPageInput& in) {
+    const TrumpetResult& r = *in.result;
+    TrumpetPageTexts t;
+    const std::string start = whole(in.trumpet_start_time), end = whole(in.trumpet_end_time);
+    t.figures = {"Base Rate:  " + general_number(in.base_rate) + " ml/hr",
+                 "Average Rate:  " + general_number(r.trumpet_avg_rate) + " ml/hr",
+                 "Average % Error:  " + format_picture(r.trumpet_avg_error, "0.000") + " %",
+                 in.trumpet_end_time >= 60
+                     ? "Analysis Period:  " + whole(in.calculation_length) + " min -  From " + start + " to " + end +
+                           " min"
+                     : "Analysis Period:  " + end + " min  -  From " + start + " to " + end + " min",
+                 "Data Interpolation Interval: " + general_number(in.interpolation_interval) + "sec"};
+    if (r.insufficient_points)
+        t.warning = {"Warning: The data used to generate this graph had an insufficient ",
+                     "number of data points to be an accurate representation"};
+    t.file_line = "File name:  " + lower(in.graph_file_name);
+
+    std::string units, max_line, min_line;
+    for (const auto& row : r.trumpet_table) {
+        units += std::string(7, ' ') + "%" + std::string(6, ' ') + "ml/hr";
+        max_line += page_cell(row[max_error_percent], 5) + page_cell(row[max_error_rate], 4);
+        min_line += page_cell(row[min_error_percent], 5) + page_cell(row[min_error_rate], 4);
+    }
+    t.table = {"Observation Period:", period_heading(), units, max_line, min_line};
     return t;
 }
 

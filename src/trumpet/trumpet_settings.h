@@ -1,8 +1,8 @@
 #pragma once
 // The rules of the trumpet settings dialog as functions of the log's length
 // L (graph_time of the last record, minutes), and the texts of the trumpet
-// summary. The dialog itself only fills its lists from these and remembers
-// what was confirmed.
+// summary and of its printed page. The dialog itself only fills its lists
+// from these and remembers what was confirmed.
 
 #include <array>
 #include <cstdint>
@@ -44,13 +44,11 @@ struct TrumpSetLoad {
     int length_selected = 0;
     double interpolation_interval = 60;
     std::int16_t trumpet_default_marker = 30;
-
-    // Set when the load selects a start entry that the list does not have
-    // (logs longer than 60 and at most 120 minutes); the form tells it and
-    // the dialog does not open.
-    std::optional<BoxMessage> error;
 };
 
+// A log longer than 60 and at most 120 minutes has one or two start entries
+// where the load's rule asks for entry 1 or 2; it selects the nearest that
+// exists (the last), as choosing a length from the list does.
 TrumpSetLoad trumpset_load(double log_minutes);
 
 // Selecting an entry of the length list: a number of minutes, or "All".
@@ -74,5 +72,28 @@ struct TrumpetSummaryTexts {
 
 TrumpetSummaryTexts trumpet_summary_texts(const TrumpetResult& result, double base_rate,
                                           std::int16_t trumpet_start_time, std::int16_t trumpet_end_time);
+
+// The form's title: "TRUMPET GRAPH - [" + file name in lower case + " ]".
+std::string trumpet_title(const std::string& graph_file_name);
+
+// The figures and the table of the printed trumpet page.
+struct TrumpetPageInput {
+    const TrumpetResult* result = nullptr;
+    double base_rate = 0;
+    std::int16_t calculation_length = 0;
+    std::int16_t trumpet_start_time = 0;
+    std::int16_t trumpet_end_time = 0;
+    double interpolation_interval = 60;
+    std::string graph_file_name;
+};
+
+struct TrumpetPageTexts {
+    std::vector<std::string> figures;  // base rate to interpolation interval, a line each
+    std::vector<std::string> warning;  // the two lines told when the points are too few; else empty
+    std::string file_line;             // "File name:  " and the name in lower case
+    std::vector<std::string> table;    // heading, periods, units, maximum and minimum lines
+};
+
+TrumpetPageTexts trumpet_page_texts(const TrumpetPageInput& in);
 
 }  // namespace kyt

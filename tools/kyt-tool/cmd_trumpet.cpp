@@ -105,7 +105,6 @@ int cmd_trumpet(const std::vector<std::string>& args) {
     // The settings dialog: its load, then the choices made in its lists.
     const double L = series.graph_time[series.graph_last_index];
     const kyt::TrumpSetLoad load = kyt::trumpset_load(L);
-    if (load.error) return refuse(*load.error);
     kyt::StartChoice choice = load.choice;
     if (o.length) {
         const auto& entries = load.length_entries;
