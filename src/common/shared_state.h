@@ -3,6 +3,7 @@
 // Forms read and write them; core procedures take what they need as arguments.
 
 #include <array>
+#include <cstdint>
 #include <string>
 
 #include "common/report_rec.h"
@@ -44,6 +45,21 @@ struct RunState {
     bool summary_header_open = false;
 };
 
+// The trumpet analysis between its settings dialog, its view and its page.
+struct TrumpetState {
+    std::int16_t trumpet_start_time = 0;  // analysis start, minutes
+    std::int16_t trumpet_end_time = 0;    // analysis end, minutes
+    bool trumpet_settings_ok = false;     // the settings dialog was confirmed
+    std::int16_t trumpet_scale = 1;       // vertical scale step, 1 to 4
+    std::int16_t trumpet_default_marker = 0;
+    double interpolation_interval = 60;   // seconds between resampled points, 30 or 60
+
+    // What the settings dialog keeps from one opening to the next.
+    std::int16_t calculation_length = 60;  // chosen length, minutes; the printed page reads it
+    bool suppress_click = false;           // the next selection event of either list is the dialog's own
+    std::int16_t saved_start = 0, saved_end = 0, saved_marker = 0;  // confirmed last, restored by Cancel
+};
+
 struct SharedState {
     PortState port;
     Folders dirs;
@@ -59,6 +75,7 @@ struct SharedState {
     double entered_rate = 0;   // the base rate last typed in the rate dialog
     bool rate_changed = false; // the rate dialog changed the base rate
     int help_page = 0;
+    TrumpetState trumpet;
 };
 
 // The one instance.

@@ -15,7 +15,9 @@
 #include "common/services.h"
 #include "common/shared_state.h"
 #include "common/wait_cursor.h"
+#include "graph/chart_output.h"
 #include "graph/log_reader.h"
+#include "trumpet/trumpet_settings.h"
 #include "ui_frmGraph.h"
 
 using namespace kyt;
@@ -46,6 +48,7 @@ frmGraph::frmGraph(QWidget* parent) : QMainWindow(parent), ui(new Ui::frmGraph) 
     connect(ui->mnuPrintGraph, &QAction::triggered, this, &frmGraph::mnuPrintGraph_Click);
     connect(ui->mnuBMP, &QAction::triggered, this, &frmGraph::mnuBMP_Click);
     connect(ui->cmdSetRate, &QPushButton::clicked, this, &frmGraph::cmdSetRate_Click);
+    connect(ui->mnuTrumpetGraph, &QAction::triggered, this, &frmGraph::mnuTrumpetGraph_Click);
     // Help and About, when this build holds their screens.
     ui->mnuGraphHelp->setEnabled(forms::has_factory("frmKYTGHelp"));
     ui->mnuAbout->setEnabled(forms::has_factory("frmAbout"));
@@ -275,7 +278,6 @@ void frmGraph::update_graph_info() {
 }
 
 void frmGraph::enable_options() {
-    // Image, print, trumpet and base rate come with their own screens.
     for (QWidget* w : {static_cast<QWidget*>(ui->cmdIncreaseFlowScale), static_cast<QWidget*>(ui->cmdTimeLeft),
                        static_cast<QWidget*>(ui->cmdScaleLeft), static_cast<QWidget*>(ui->cmdVolume),
                        static_cast<QWidget*>(ui->cmdNormal), static_cast<QWidget*>(ui->cmdFlow),
@@ -286,6 +288,7 @@ void frmGraph::enable_options() {
     ui->cmdSetRate->setEnabled(true);
     ui->mnuBMP->setEnabled(true);
     ui->mnuPrintGraph->setEnabled(true);
+    ui->mnuTrumpetGraph->setEnabled(forms::has_factory("frmTrumpetGraph"));
     ui->cmdTimeRight->setEnabled(false);
     ui->cmdScaleRight->setEnabled(false);
 }
@@ -293,6 +296,17 @@ void frmGraph::enable_options() {
 void frmGraph::cmdSetRate_Click() {
     if (auto* dialog = qobject_cast<QDialog*>(forms::get("frmSetRate"))) dialog->exec();
     update_graph_info();
+}
+
+void frmGraph::mnuTrumpetGraph_Click() {
+    TrumpetState& t = shared().trumpet;
+    t.trumpet_scale = 1;
+    if (const auto refusal = check_trumpet_data(graph_series())) {
+        tell(*refusal);
+        return;
+    }
+    t.trumpet_settings_ok = false;
+    if (QWidget* trumpet = forms::get("frmTrumpetGraph")) trumpet->show();
 }
 
 void frmGraph::exit_graph() {
@@ -311,73 +325,18 @@ void frmGraph::mnuPrintGraph_Click() {
     Printer& p = *services().printer;
     p.set_orientation(PageOrientation::landscape);
     p.set_font_name("courier new");
-    bool ok = p.print_line() && p.print_line();
-    p.set_x(0.5);
-    p.set_font_size(12);
-    // The heading: the company and today's date, one or two print zones apart.
-    ok = ok && p.print("Corvane Systems Inc.");
-    p.next_zone();
-    if (p.orientation() == PageOrientation::landscape) p.next_zone();
-    ok = ok && p.print_line(format_date(local_now(), "dddd, mmm d yyyy"));
-    ok = ok && p.print_line();
-    p.set_font_size(18);
-    p.set_x(0.5);
-    p.set_bold(true);
-    ok = ok && p.print_line("Data Log Graph");
-    p.set_bold(false);
-    ok = ok && p.print_line();
-    p.set_font_size(12);
+    bool ok = print_page_heading(p, "Data Log Graph", 18, 1);
     for (const std::string& line : graph_print_lines(graph_series(), graph_file_name)) {
         p.set_x(0.5);
         ok = ok && p.print_line(line);
     }
     ok = ok && p.print_line();
-    // The chart in a box an inch from the left and three from the top.
-    const double width = p.orientation() == PageOrientation::landscape ? 9 : 6;
-    Chart& chart = *ui->DGraph;
-    ok = ok && p.paint(QRectF(1, 3, width, 4), [&](QPainter& painter, const QRectF& rect) { chart.render(painter, rect); });
+    // The chart in its box three inches from the top.
+    ok = ok && print_chart_box(p, *ui->DGraph, 3);
     ok = p.end_job() && ok;
     if (!ok) msg_box("Error Printing, please refer to your Windows Manual", box_critical, "ERROR");
 }
 
 void frmGraph::mnuBMP_Click() {
-    SharedState& s = shared();
-    CommonDialog& d = common_dialog();
-    d.initial_dir = s.dirs.save_dir;
-    d.default_ext = "BMP";
-    d.title = "SAVE GRAPH AS AN IMAGE";
-    d.filter = "BMP - Bitmap (*.bmp)|*.bmp|WMF - Metafile (*.wmf)|*.wmf|JPG - JPEG (*.jpg)|*.jpg";
-    d.file_name.clear();
-    d.flags = dlg_save_flags;
-    const auto ask = [&] {
-        try {
-            return services().dialogs->show_save(d);
-        } catch (const FileDialogError&) {
-            return std::string();
-        }
-    };
-    std::string name = ask();
-    s.dirs.file_name = name;
-    if (name.empty()) {
-        msg_box("Image conversion cancelled", box_exclamation, "CANCEL");
-        return;
-    }
-    const std::string suffix = graph_image_suffix(name);
-    const ImageFormat format = suffix == "WMF" ? ImageFormat::wmf
-                               : suffix == "JPG" ? ImageFormat::jpg
-                               : suffix == "GIF" ? ImageFormat::gif
-                                                 : ImageFormat::bmp;
-    if (suffix != "WMF" && suffix != "BMP" && suffix != "JPG" && suffix != "GIF") {
-        msg_box("Bad Graph File Name Suffix", box_exclamation, "INVALID SUFFIX");
-        return;
-    }
-    remember_save_folder(name);
-    // A name that cannot be written is asked for again; giving up ends it.
-    Chart& chart = *ui->DGraph;
-    while (!chart.write_image(name, format, chart.size()).empty()) {
-        msg_box("Error in graph file name", box_exclamation, "INVALID FILE NAME");
-        d.file_name.clear();
-        name = ask();
-        if (name.empty()) return;
-    }
+    save_chart_image(*ui->DGraph, {"Bad Graph File Name Suffix", "Error in graph file name", ""});
 }

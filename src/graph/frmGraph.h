@@ -43,6 +43,8 @@ public:
     // One landscape page: the heading, the figures and the chart as it
     // stands on the screen.
     void mnuPrintGraph_Click();
+    // The trumpet analysis of the log on show, for a log of an hour or more.
+    void mnuTrumpetGraph_Click();
     // The chart to a BMP, WMF, JPG or GIF file.
     void mnuBMP_Click();
 
