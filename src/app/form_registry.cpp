@@ -16,6 +16,8 @@
 #include "reports/frmInProgress.h"
 #include "reports/frmReports.h"
 #include "trumpet/frmSetRate.h"
+#include "trumpet/frmTrumpSet.h"
+#include "trumpet/frmTrumpetGraph.h"
 
 void register_all_forms() {
     using namespace kyt::forms;
@@ -33,6 +35,8 @@ void register_all_forms() {
     register_form<frmSetRate>();
     register_form<frmSummary>();
     register_form<frmTestPort>();
+    register_form<frmTrumpetGraph>();
+    register_form<frmTrumpSet>();
     // The administrator's form and the overwrite question are left to close
     // with the program.
     register_form<frmSysAd>(AtExit::stay);

@@ -17,7 +17,9 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QTimer>
 
+#include <functional>
 #include <string>
 
 #include "common/forms.h"
@@ -53,6 +55,27 @@ F* open_fresh() {
     F* f = forms::get<F>();
     show_active(f);
     return f;
+}
+
+// Runs `act` on the form of that name once it is loaded and on show: the
+// modal dialog that the next step opens and waits on. A wait that is still
+// pending when the test ends is dropped by drop_waits().
+inline void when_shown(const QString& name, std::function<void(QWidget*)> act) {
+    auto* poll = new QTimer(QCoreApplication::instance());
+    poll->setObjectName("when_shown");
+    QObject::connect(poll, &QTimer::timeout, [poll, name, act] {
+        QWidget* w = forms::find(name);
+        if (!w || !w->isVisible()) return;
+        poll->stop();
+        poll->deleteLater();
+        act(w);
+    });
+    poll->start(5);
+}
+
+inline void drop_waits() {
+    for (QTimer* poll : QCoreApplication::instance()->findChildren<QTimer*>("when_shown", Qt::FindDirectChildrenOnly))
+        delete poll;
 }
 
 inline void expect_box(const ScriptedMessageBoxes::Box& box, const std::string& text, int style,

@@ -1,0 +1,286 @@
+// The trumpet view on its real forms, offscreen: the settings lists for the
+// log's length, the activations that compute again (first opening, Scale,
+// New Data, Cancel, Base Rate), the printed page and the image files.
+
+#include <QtTest>
+
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+
+#include "common/chart.h"
+#include "common/forms.h"
+#include "common/numbers.h"
+#include "common/shared_state.h"
+#include "graph/frmGraph.h"
+#include "graph/log_reader.h"
+#include "support/form_script.h"
+#include "support/pdf_printer.h"
+#include "support/pdf_text.h"
+#include "support/test_services.h"
+#include "trumpet/frmSetRate.h"
+#include "trumpet/frmTrumpSet.h"
+#include "trumpet/frmTrumpetGraph.h"
+#include "trumpet/trumpet_settings.h"
+
+using namespace kyt;
+
+namespace {
+
+QString graph_log(const QString& name) { return qEnvironmentVariable("KYT_SOURCE_DIR") + "/tests/data/graph/" + name; }
+
+// A steady 100 ml/h log of L minutes, a record every `step` minutes and the
+// last at L.
+LogSeries series_of(double L, double step = 0.5) {
+    LogSeries s;
+    for (double t = 0;; t += step) {
+        const double at = std::min(t, L);
+        s.graph_time.push_back(at);
+        s.graph_flow.push_back(100);
+        s.graph_avg_flow.push_back(at == 0 ? 0 : 100 + std::sin(at) * 3);
+        s.graph_volume.push_back(at / 60 * s.graph_avg_flow.back());
+        if (at >= L) break;
+    }
+    s.graph_last_index = static_cast<int>(s.graph_time.size()) - 1;
+    s.base_rate = 100;
+    return s;
+}
+
+QString entries(QComboBox* list) {
+    QStringList l;
+    for (int i = 0; i < list->count(); ++i) l << list->itemText(i);
+    return l.join(' ');
+}
+
+QString label(QWidget* f, const QString& name) { return f->findChild<QLabel*>(name)->text(); }
+
+// The trumpet form opened from the log graph, the settings dialog run by
+// its script when it comes up.
+frmTrumpetGraph* open_trumpet(frmGraph* g, const QStringList& settings) {
+    test::when_shown("frmTrumpSet", [settings](QWidget* d) { test::run_script(d, settings); });
+    g->mnuTrumpetGraph_Click();
+    test::serve_events();
+    return forms::loaded<frmTrumpetGraph>();
+}
+
+// The log graph on show with a stored log, or with a series made here.
+frmGraph* log_graph(test::TestServices& t, const QString& file) {
+    frmGraph* g = test::open_fresh<frmGraph>();
+    t.dialogs->queue(graph_log(file).toStdString());
+    g->findChild<QAction*>("mnuOpen")->trigger();
+    return g;
+}
+
+// The four cells of every row as the form shows them, against the core's
+// run with the settings now in force.
+void table_agrees_with_core(frmTrumpetGraph* f) {
+    const TrumpetState& t = shared().trumpet;
+    const TrumpetResult r =
+        kyt::graph_trumpet(graph_series(), {t.interpolation_interval, t.trumpet_start_time, t.trumpet_end_time});
+    QVERIFY(r.ok());
+    const TrumpetSummaryTexts s = trumpet_summary_texts(r, graph_series().base_rate, t.trumpet_start_time,
+                                                        t.trumpet_end_time);
+    for (int i = 0; i < 5; ++i) {
+        QCOMPARE(label(f, QString("lblMaxErrorP_%1").arg(i)).toStdString(), s.max_error_percent[i]);
+        QCOMPARE(label(f, QString("lblMaxErrorR_%1").arg(i)).toStdString(), s.max_error_rate[i]);
+        QCOMPARE(label(f, QString("lblMinErrorP_%1").arg(i)).toStdString(), s.min_error_percent[i]);
+        QCOMPARE(label(f, QString("lblMinErrorR_%1").arg(i)).toStdString(), s.min_error_rate[i]);
+    }
+}
+
+}  // namespace
+
+class tst_trumpet_form : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase() {
+        forms::register_form<frmSetRate>();
+        forms::register_form<frmTrumpSet>();
+        forms::register_form<frmTrumpetGraph>();
+    }
+
+    void cleanup() {
+        test::drop_waits();
+        forms::unload<frmTrumpetGraph>();
+        forms::unload<frmGraph>();
+        test::flush_deletes();
+    }
+
+    // The settings dialog on a log of L minutes, the steps taken in it, and
+    // what its lists and the analysis then show.
+    void settings_data() {
+        QTest::addColumn<double>("L");
+        QTest::addColumn<QStringList>("steps");
+        QTest::addColumn<QString>("lengths");
+        QTest::addColumn<QString>("starts");  // "-" after the entries: the list is disabled
+        QTest::addColumn<QString>("period");  // lblAnalysisPeriod; empty: the trumpet did not open
+        QStringList starts_600, lengths_600;
+        for (int m = 0; m <= 510; m += 30) starts_600 << QString::number(m);
+        for (int m = 60; m <= 540; m += 60) lengths_600 << QString::number(m);
+        const QStringList ok{"click:CmdOK"};
+        QTest::newRow("600 minutes") << 600.0 << ok << lengths_600.join(' ') + " All" << starts_600.join(' ')
+                                     << "Analysis Period:  60 min  -  From 60 to 120 min";
+        QTest::newRow("600 minutes, a later start") << 600.0 << QStringList{"focus:StartTime", "pick:5"} + ok
+                                                    << lengths_600.join(' ') + " All" << starts_600.join(' ')
+                                                    << "Analysis Period:  60 min  -  From 150 to 210 min";
+        QTest::newRow("600 minutes, 540 leave two starts")
+            << 600.0 << QStringList{"focus:DataInt", "pick:8"} + ok << lengths_600.join(' ') + " All" << "0 30"
+            << "Analysis Period:  540 min  -  From 30 to 570 min";
+        QTest::newRow("exactly 60 minutes") << 60.0 << ok << "All" << "0"
+                                            << "Analysis Period:  60 min  -  From 0 to 60 min";
+        QTest::newRow("80 minutes open on the one start") << 80.0 << ok << "60 All" << "0"
+                                                          << "Analysis Period:  60 min  -  From 0 to 60 min";
+        QTest::newRow("100 minutes open on minute 30") << 100.0 << ok << "60 All" << "0 30"
+                                                       << "Analysis Period:  60 min  -  From 30 to 90 min";
+        QTest::newRow("75.6, All: 76") << 75.6 << QStringList{"focus:DataInt", "pick:1"} + ok << "60 All" << "0 -"
+                                       << "Analysis Period:  76 min  -  From 0 to 76 min";
+        QTest::newRow("76.6, All: 76") << 76.6 << QStringList{"focus:DataInt", "pick:1"} + ok << "60 All" << "0 -"
+                                       << "Analysis Period:  76 min  -  From 0 to 76 min";
+        QTest::newRow("Default above 120") << 130.0 << QStringList{"focus:DataInt", "pick:2", "click:Default"} + ok
+                                           << "60 120 All" << "0 30 60"
+                                           << "Analysis Period:  60 min  -  From 60 to 120 min";
+        QTest::newRow("no Default at 120") << 120.0 << QStringList{"focus:DataInt", "pick:1", "click:Default"} + ok
+                                           << "60 All" << "0 -" << "Analysis Period:  120 min  -  From 0 to 120 min";
+        QTest::newRow("under an hour: refused") << 59.99 << QStringList{} << "" << "" << "";
+        QTest::newRow("cancelled at the first opening") << 130.0 << QStringList{"click:CmdCancel"} << "60 120 All"
+                                                        << "0 30 60" << "";
+    }
+    void settings() {
+        QFETCH(double, L);
+        QFETCH(QStringList, steps);
+        QFETCH(QString, lengths);
+        QFETCH(QString, starts);
+        QFETCH(QString, period);
+        auto t = test::install_test_services();
+        frmGraph* g = test::open_fresh<frmGraph>();
+        graph_series() = series_of(L);
+        if (lengths.isEmpty()) t.boxes->expect(1);
+        QString seen_lengths, seen_starts;
+        // The lists as the last step leaves them, just before it.
+        test::when_shown("frmTrumpSet", [&](QWidget* d) {
+            test::run_script(d, steps.mid(0, steps.size() - 1));
+            auto* start = d->findChild<QComboBox*>("StartTime");
+            seen_lengths = entries(d->findChild<QComboBox*>("DataInt"));
+            seen_starts = entries(start) + (start->isEnabled() ? "" : " -");
+            test::run_script(d, steps.mid(steps.size() - 1));
+        });
+        g->mnuTrumpetGraph_Click();
+        test::serve_events();
+        QCOMPARE(seen_lengths, lengths);
+        QCOMPARE(seen_starts, starts);
+        frmTrumpetGraph* f = forms::loaded<frmTrumpetGraph>();
+        QCOMPARE(f != nullptr, !period.isEmpty());
+        QCOMPARE(g->isVisible(), period.isEmpty());
+        if (lengths.isEmpty())
+            test::expect_box(t.boxes->shown.at(0), "Insufficient data for Trumpet Graph", box_exclamation,
+                             "Data Error");
+        if (!f) return;
+        QCOMPARE(label(f, "lblAnalysisPeriod"), period);
+        table_agrees_with_core(f);
+    }
+
+    // On the 130-minute log: what each press leads to, the dialog that a
+    // press opens run by the steps after its "|".
+    void activations_data() {
+        QTest::addColumn<QStringList>("presses");
+        QTest::addColumn<QString>("period");
+        QTest::addColumn<double>("interval");
+        QTest::addColumn<double>("axis");  // the top of the error axis
+        QTest::newRow("first opening") << QStringList{} << "Analysis Period:  60 min  -  From 60 to 120 min" << 60.0
+                                       << 15.0;
+        QTest::newRow("Scale") << QStringList{"cmdScale"} << "Analysis Period:  60 min  -  From 60 to 120 min"
+                               << 60.0 << 30.0;
+        QTest::newRow("Scale three times") << QStringList{"cmdScale", "cmdScale", "cmdScale"}
+                                           << "Analysis Period:  60 min  -  From 60 to 120 min" << 60.0 << 60.0;
+        QTest::newRow("Scale four times: back to 15") << QStringList(4, "cmdScale")
+                                                      << "Analysis Period:  60 min  -  From 60 to 120 min" << 60.0
+                                                      << 15.0;
+        QTest::newRow("New Data: all at 30 s, scale kept")
+            << QStringList{"cmdScale", "GetNewData|click:Option1|focus:DataInt|pick:2|click:CmdOK"}
+            << "Analysis Period:  130 min  -  From 0 to 130 min" << 30.0 << 30.0;
+        QTest::newRow("Cancel after New Data keeps the analysis, not the interval")
+            << QStringList{"GetNewData|click:Option1|focus:DataInt|pick:2|click:CmdCancel"}
+            << "Analysis Period:  60 min  -  From 60 to 120 min" << 30.0 << 15.0;
+    }
+    void activations() {
+        QFETCH(QStringList, presses);
+        QFETCH(QString, period);
+        QFETCH(double, interval);
+        QFETCH(double, axis);
+        auto t = test::install_test_services();
+        frmGraph* g = log_graph(t, "single_rate_130min.log");
+        frmTrumpetGraph* f = open_trumpet(g, {"click:CmdOK"});
+        QVERIFY(f);
+        QCOMPARE(f->windowTitle(), "TRUMPET GRAPH - [" + graph_log("single_rate_130min.log").toLower() + " ]");
+        for (const QString& press : presses) {
+            const QStringList dialog = press.split('|');
+            if (dialog.size() > 1)
+                test::when_shown("frmTrumpSet", [dialog](QWidget* d) { test::run_script(d, dialog.mid(1)); });
+            f->findChild<QPushButton*>(dialog.first())->click();
+            test::serve_events();
+        }
+        QCOMPARE(label(f, "lblAnalysisPeriod"), period);
+        QCOMPARE(shared().trumpet.interpolation_interval, interval);
+        const Chart& chart = *f->findChild<Chart*>("TGraph");
+        QCOMPARE(chart.range(ChartAxis::left), (AxisRange{-axis, axis}));
+        QCOMPARE(chart.point_count(1), 5);
+        QCOMPARE(*chart.point_x(3, 5), 31.0);
+        table_agrees_with_core(f);
+        if (presses.isEmpty()) {
+            // The figures of this log at its defaults, worked out apart.
+            QCOMPARE(label(f, "lblMaxErrorP_0"), QString("5.09"));
+            QCOMPARE(label(f, "lblMinErrorR_0"), QString("-5.10"));
+            QCOMPARE(label(f, "lblAvgError"), QString("% Error:  0.051"));
+            QCOMPARE(label(f, "lblAvgRate"), QString("Avg Rate:  99.05 ml/hr"));
+        }
+        QVERIFY(!g->isVisible());
+    }
+
+    // Base Rate: the typed text, what is told, and the rate shown; Exit then
+    // brings the log graph back with that rate.
+    void base_rate_data() {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("box");
+        QTest::addColumn<QString>("rate");
+        QTest::newRow("a rate") << "120" << "" << "120";
+        QTest::newRow("negative") << "-50" << "" << "-50";
+        QTest::newRow("empty") << "" << "Non-numeric value" << "99";
+        QTest::newRow("not a number") << "fast" << "Non-numeric value" << "99";
+        QTest::newRow("beyond a double") << "1e999" << "Non-numeric value" << "99";
+        QTest::newRow("zero") << "0" << "Zero value not possible." << "99";
+        QTest::newRow("so small the errors overflow")
+            << "1e-300"
+            << "The trumpet graph cannot be shown. A trumpet value is out of range; trumpet computation cancelled."
+            << "1E-300";
+    }
+    void base_rate() {
+        QFETCH(QString, typed);
+        QFETCH(QString, box);
+        QFETCH(QString, rate);
+        auto t = test::install_test_services();
+        frmGraph* g = log_graph(t, "single_rate_130min.log");
+        frmTrumpetGraph* f = open_trumpet(g, {"click:CmdOK"});
+        t.boxes->expect(box.isEmpty() ? 0 : 1);
+        test::when_shown("frmSetRate", [typed](QWidget* d) {
+            test::run_script(d, {"focus:txtSetRate", "type:" + typed, "enter"});
+            if (forms::find("frmSetRate")) d->findChild<QPushButton*>("cmdCancel")->click();
+        });
+        f->findChild<QPushButton*>("cmdSetRate")->click();
+        QCOMPARE(t.boxes->shown.empty() ? QString() : QString::fromStdString(t.boxes->shown[0].text), box);
+        QCOMPARE(label(f, "lblSetRate"), "Base Rate:  " + rate + " ml/hr");
+        const bool computed = !box.startsWith("The trumpet");
+        QCOMPARE(f->findChild<QPushButton*>("cmdPrint")->isEnabled(), computed);
+        if (computed) table_agrees_with_core(f);
+        f->findChild<QPushButton*>("mnuExitGraph")->click();
+        test::flush_deletes();
+        QVERIFY(!forms::is_loaded<frmTrumpetGraph>());
+        QVERIFY(g->isVisible());
+        QVERIFY2(label(g, "lblSetRate").contains(rate), qPrintable(label(g, "lblSetRate")));
+    }
+};
+
+QTEST_MAIN(tst_trumpet_form)
+#include "tst_trumpet_form.moc"
