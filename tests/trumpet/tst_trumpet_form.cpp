@@ -280,6 +280,166 @@ private slots:
         QVERIFY(g->isVisible());
         QVERIFY2(label(g, "lblSetRate").contains(rate), qPrintable(label(g, "lblSetRate")));
     }
+
+    // Every log length from 0 to 600 minutes in tenths: the dialog loads,
+    // each length entry is clicked, then its first and its last start, and
+    // what the dialog holds is what its lists show; the trumpet of it
+    // computes (a log of one record is refused by the core, never read past
+    // its end); OK confirms it.
+    void every_log_length() {
+        test::install_test_services();
+        int runs = 0;
+        for (int tenths = 0; tenths <= 6000; ++tenths) {
+            const double L = tenths / 10.0;
+            graph_series() = series_of(L);
+            auto* d = forms::get<frmTrumpSet>();
+            auto* lengths = d->findChild<QComboBox*>("DataInt");
+            auto* starts = d->findChild<QComboBox*>("StartTime");
+            const TrumpetState& s = shared().trumpet;
+            for (int entry = 0; entry < lengths->count(); ++entry) {
+                lengths->setCurrentIndex(entry);
+                // "All" is the whole log in whole minutes, rounded down or,
+                // from an odd minute, up from above a half.
+                const bool all = lengths->currentText() == "All";
+                QVERIFY(all ? s.calculation_length > L - 1 && s.calculation_length <= L + 0.5
+                            : s.calculation_length == lengths->currentText().toInt());
+                for (int start : {0, starts->count() - 1}) {
+                    starts->setCurrentIndex(start);
+                    QCOMPARE(int(s.trumpet_start_time), starts->currentText().toInt());
+                    QVERIFY(s.trumpet_start_time + s.calculation_length <= std::max(L, 60.0) + 0.5);
+                    const TrumpetResult r = kyt::graph_trumpet(
+                        graph_series(), {60, s.trumpet_start_time,
+                                         std::int16_t(s.trumpet_start_time + s.calculation_length)});
+                    QCOMPARE(r.ok(), L > 0);
+                    ++runs;
+                }
+            }
+            d->findChild<QPushButton*>("CmdOK")->click();
+            QVERIFY(s.trumpet_settings_ok);
+            QCOMPARE(int(s.trumpet_end_time), int(s.trumpet_start_time + s.calculation_length));
+            // Every event the dialog posted, and then the dialog, served now.
+            QCoreApplication::sendPostedEvents();
+            test::flush_deletes();
+        }
+        QVERIFY(runs > 6001 * 2);
+    }
+
+    // The printed page: its text lines rebuilt column by column from the PDF,
+    // the warning where the points are too few, and the chart's box four
+    // inches from the top whether or not the warning is printed.
+    void printed_page_data() {
+        QTest::addColumn<bool>("minute_records");  // a made log of a record a minute, at 30 s
+        QTest::addColumn<QStringList>("lines");    // from the first figure to the minimum line
+        const QString log = graph_log("single_rate_130min.log").toLower();
+        QTest::newRow("the 130-minute log at its defaults")
+            << false
+            << QStringList{"Base Rate:  99 ml/hr",
+                           "Average Rate:  99.05 ml/hr",
+                           "Average % Error:  0.051 %",
+                           "Analysis Period:  60 min -  From 60 to 120 min",
+                           "Data Interpolation Interval: 60sec",
+                           "File name:  " + log,
+                           "Observation Period:",
+                           "            2                 5                 11                 19                 31",
+                           QString("       %      ml/hr").repeated(5),
+                           "     05.09    05.04     02.31    02.29     01.37    01.36     00.69    00.69     00.31    00.31",
+                           "    -05.15   -05.10    -02.36   -02.34    -01.38   -01.36    -00.73   -00.73    -00.30   -00.30"};
+        QTest::newRow("too few records: the warning") << true << QStringList{
+            "Data Interpolation Interval: 30sec",
+            "Warning: The data used to generate this graph had an insufficient",
+            "number of data points to be an accurate representation",
+            "File name:  made.log",
+            "Observation Period:"};
+    }
+    void printed_page() {
+        QFETCH(bool, minute_records);
+        QFETCH(QStringList, lines);
+        auto t = test::install_test_services();
+        QTemporaryDir pdfs;
+        services().printer = std::make_unique<test::PdfPrinter>(pdfs.path());
+        frmGraph* g = log_graph(t, "single_rate_130min.log");
+        if (minute_records) {
+            graph_series() = series_of(130, 1);
+            g->graph_file_name = "MADE.log";
+        }
+        frmTrumpetGraph* f = open_trumpet(g, minute_records ? QStringList{"click:Option1", "click:CmdOK"}
+                                                            : QStringList{"click:CmdOK"});
+        t.boxes->answer(answer_yes);
+        f->findChild<QPushButton*>("cmdPrint")->click();
+        const QStringList pdf = QDir(pdfs.path()).entryList({"*.pdf"});
+        QCOMPARE(pdf.size(), 1);
+        const QString path = pdfs.filePath(pdf.first());
+        QCOMPARE(test::page_count(path), 1);
+        QVERIFY(test::is_landscape(path));
+        const QList<test::PdfWord> words = test::words_of(path);
+        const auto word = [&](const QString& text) {
+            for (const test::PdfWord& w : words)
+                if (w.text == text) return w;
+            return test::PdfWord{0, -1, {}};
+        };
+        const double left = word("Observation").x_inches;
+        const QStringList page = test::fixed_pitch_lines(words, 1, left, 0.1);
+        const QString all = page.join('\n');
+        const qsizetype first = page.indexOf(lines.first());
+        QVERIFY2(first > 0, qPrintable(all));
+        QStringList printed = page.mid(first, lines.size());
+        // The warning stands a column and a half in, in a smaller type: its
+        // words are compared, and its place on its own.
+        if (minute_records) {
+            for (QString& line : printed) line = line.trimmed();
+            QVERIFY(std::abs(word("Warning:").x_inches - left - 0.15) < 0.02);
+        }
+        QCOMPARE(printed, lines);
+        QVERIFY2(all.contains("Corvane Systems Inc.") && all.simplified().contains("Trumpet Graph"), qPrintable(all));
+        // The chart's own x-axis title stands near the foot of its box.
+        const double axis_title = word("Period(minutes)").y_inches;
+        QVERIFY2(axis_title > 7.5 && axis_title < 8.0, qPrintable(QString::number(axis_title)));
+        if (const QString keep = qEnvironmentVariable("KYT_KEEP_OUTPUT"); !keep.isEmpty())
+            QFile::copy(path, keep + "/trumpet-page-" + QTest::currentDataTag() + ".pdf");
+    }
+
+    // Save: the suffix decides the format; the trumpet's own texts for a
+    // refused suffix, a name that cannot be written and a retry given up.
+    void image_files_data() {
+        QTest::addColumn<QStringList>("names");  // the dialog's answers, in the work folder
+        QTest::addColumn<QStringList>("boxes");
+        QTest::addColumn<QByteArray>("magic");   // how the written file begins; empty: none written
+        QTest::newRow("bmp") << QStringList{"t.bmp"} << QStringList{} << QByteArray("BM");
+        QTest::newRow("wmf") << QStringList{"t.WMF"} << QStringList{} << QByteArray("\xd7\xcd\xc6\x9a");
+        QTest::newRow("jpg") << QStringList{"t.jpg"} << QStringList{} << QByteArray("\xff\xd8");
+        QTest::newRow("gif") << QStringList{"t.gif"} << QStringList{} << QByteArray("GIF8");
+        QTest::newRow(".jpeg refused") << QStringList{"t.jpeg"} << QStringList{"Bad Trumpet Graph File Name Suffix"}
+                                       << QByteArray();
+        QTest::newRow("given up") << QStringList{""} << QStringList{"Image conversion cancelled"} << QByteArray();
+        QTest::newRow("cannot be written, then given up")
+            << QStringList{"missing/t.bmp", ""}
+            << QStringList{"Error in trumpet graph file name", "Trumpet graph save cancelled"} << QByteArray();
+        QTest::newRow("cannot be written, then another name")
+            << QStringList{"missing/t.bmp", "t.bmp"} << QStringList{"Error in trumpet graph file name"}
+            << QByteArray("BM");
+    }
+    void image_files() {
+        QFETCH(QStringList, names);
+        QFETCH(QStringList, boxes);
+        QFETCH(QByteArray, magic);
+        auto t = test::install_test_services();
+        QTemporaryDir work;
+        frmTrumpetGraph* f = open_trumpet(log_graph(t, "single_rate_130min.log"), {"click:CmdOK"});
+        for (const QString& n : names) t.dialogs->queue(n.isEmpty() ? "" : work.filePath(n).toStdString());
+        t.boxes->expect(boxes.size());
+        f->findChild<QPushButton*>("cmdSave")->click();
+        QStringList told;
+        for (const auto& b : t.boxes->shown) told << QString::fromStdString(b.text);
+        QCOMPARE(told, boxes);
+        const QStringList files = QDir(work.path()).entryList(QDir::Files);
+        QCOMPARE(files.size(), magic.isEmpty() ? 0 : 1);
+        if (magic.isEmpty()) return;
+        QFile file(work.filePath(files.first()));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.read(magic.size()), magic);
+        if (const QString keep = qEnvironmentVariable("KYT_KEEP_OUTPUT"); !keep.isEmpty())
+            QFile::copy(file.fileName(), keep + "/trumpet-" + files.first());
+    }
 };
 
 QTEST_MAIN(tst_trumpet_form)

@@ -177,6 +177,40 @@ private slots:
         QCOMPARE(QString::fromStdString(t.set_rate), QString("Base Rate:  99 ml/hr"));
         QCOMPARE(QString::fromStdString(t.avg_rate), QString("Avg Rate:  99.05 ml/hr"));
     }
+
+    // The printed page: cells after blanks judged on the formatted value's
+    // sign, and the analysis line in its two forms.
+    void page_data() {
+        QTest::addColumn<float>("percent");  // max_error_percent of the first row
+        QTest::addColumn<float>("rate");     // max_error_rate of the first row
+        QTest::addColumn<QString>("cells");  // the start of the maximum line
+        QTest::addColumn<int>("end");
+        QTest::addColumn<QString>("period");
+        QTest::newRow("positive") << 5.088281f << 12.5f << "     05.09    12.50" << 120
+                                  << "Analysis Period:  60 min -  From 60 to 120 min";
+        QTest::newRow("negative") << -5.149223f << -0.25f << "    -05.15   -00.25" << 120
+                                  << "Analysis Period:  60 min -  From 60 to 120 min";
+        QTest::newRow("zero is not negative") << 0.0f << 123.456f << "     00.00    123.46" << 120
+                                              << "Analysis Period:  60 min -  From 60 to 120 min";
+        QTest::newRow("a tiny negative formats to zero") << -0.001f << -0.004f << "     -00.00    -00.00" << 59
+                                                         << "Analysis Period:  59 min  -  From 0 to 59 min";
+    }
+    void page() {
+        QFETCH(float, percent);
+        QFETCH(float, rate);
+        QFETCH(QString, cells);
+        QFETCH(int, end);
+        QFETCH(QString, period);
+        TrumpetResult r;
+        r.trumpet_table[0][max_error_percent] = percent;
+        r.trumpet_table[0][max_error_rate] = rate;
+        const std::int16_t start = end >= 60 ? 60 : 0;
+        const TrumpetPageTexts t = trumpet_page_texts({&r, 99, 60, start, std::int16_t(end), 30, "A.LOG"});
+        QCOMPARE(QString::fromStdString(t.table[3]).left(cells.size()), cells);
+        QCOMPARE(QString::fromStdString(t.figures[3]), period);
+        QCOMPARE(QString::fromStdString(t.figures[4]), QString("Data Interpolation Interval: 30sec"));
+        QCOMPARE(QString::fromStdString(t.file_line), QString("File name:  a.log"));
+    }
 };
 
 QTEST_APPLESS_MAIN(tst_trumpet_settings)
