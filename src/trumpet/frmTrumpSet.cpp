@@ -40,6 +40,7 @@ frmTrumpSet::frmTrumpSet(QWidget* parent) : QDialog(parent), ui(new Ui::frmTrump
     // The load: interval 60, the lists for the log's length, and their
     // first selections. The selections are the dialog's own, so the clicks
     // they raise are let pass, the length list's click clearing the flag.
+    adjustSize();
     center_form(this);
     t.interpolation_interval = 60;
     t.trumpet_default_marker = 30;
