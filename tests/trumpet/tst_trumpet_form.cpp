@@ -199,10 +199,10 @@ private slots:
                                                       << "Analysis Period:  60 min  -  From 60 to 120 min" << 60.0
                                                       << 15.0;
         QTest::newRow("New Data: all at 30 s, scale kept")
-            << QStringList{"cmdScale", "GetNewData|click:Option1|focus:DataInt|pick:2|click:CmdOK"}
+            << QStringList{"cmdScale", "GetNewData|press:Option1|focus:DataInt|pick:2|click:CmdOK"}
             << "Analysis Period:  130 min  -  From 0 to 130 min" << 30.0 << 30.0;
         QTest::newRow("Cancel after New Data keeps the analysis, not the interval")
-            << QStringList{"GetNewData|click:Option1|focus:DataInt|pick:2|click:CmdCancel"}
+            << QStringList{"GetNewData|press:Option1|focus:DataInt|pick:2|click:CmdCancel"}
             << "Analysis Period:  60 min  -  From 60 to 120 min" << 30.0 << 15.0;
     }
     void activations() {
@@ -362,7 +362,7 @@ private slots:
             graph_series() = series_of(130, 1);
             g->graph_file_name = "MADE.log";
         }
-        frmTrumpetGraph* f = open_trumpet(g, minute_records ? QStringList{"click:Option1", "click:CmdOK"}
+        frmTrumpetGraph* f = open_trumpet(g, minute_records ? QStringList{"press:Option1", "click:CmdOK"}
                                                             : QStringList{"click:CmdOK"});
         t.boxes->answer(answer_yes);
         f->findChild<QPushButton*>("cmdPrint")->click();
@@ -437,6 +437,12 @@ private slots:
         QFile file(work.filePath(files.first()));
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.read(magic.size()), magic);
+        // A reader of its own takes the bitmaps at the chart's size.
+        if (!files.first().endsWith("WMF")) {
+            const QSize chart = f->findChild<Chart*>("TGraph")->size();
+            QCOMPARE(test::run("identify", {"-format", "%w %h", file.fileName()}),
+                     QString("%1 %2").arg(chart.width()).arg(chart.height()));
+        }
         if (const QString keep = qEnvironmentVariable("KYT_KEEP_OUTPUT"); !keep.isEmpty())
             QFile::copy(file.fileName(), keep + "/trumpet-" + files.first());
     }
