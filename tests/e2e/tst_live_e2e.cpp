@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QProcess>
 
+#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -22,10 +23,14 @@
 #include "common/chart.h"
 #include "common/file_text.h"
 #include "common/text.h"
+#include "common/numbers.h"
+#include "graph/frmGraph.h"
 #include "graph/log_reader.h"
 #include "link/protocol.h"
 #include "support/console_e2e.h"
 #include "support/form_script.h"
+#include "support/kyt_tool_run.h"
+#include "trumpet/frmTrumpetGraph.h"
 
 using namespace kyt;
 using namespace kyt::test;
@@ -160,6 +165,60 @@ private slots:
         child<QPushButton>(f, "cmdStop")->click();
         flush_deletes();
         QVERIFY(!forms::is_loaded<frmRTGraph>());
+    }
+
+    // A test of over an hour, stopped by hand, then graphed and analysed:
+    // the trumpet settings open on the one start such a log lists, and the
+    // table on the screen is the one kyt-tool computes from the same file.
+    void over_an_hour_to_the_trumpet() {
+        OnSim on({"--speed", "1200", "--seed", "3"});
+        QVERIFY(on.sim.ready());
+        Console& c = on.c;
+        const QString log = c.work.filePath("long.log");
+        c.t.dialogs->queue(ss(log));
+        start_live({{"chkSingle", "chkTestAuto"}, -1, true});
+        frmRTGraph* rt = forms::loaded<frmRTGraph>();
+        QVERIFY(rt);
+        // The minute of the log's last row.
+        const auto last_minute = [&] {
+            const QRegularExpression row(R"(^ {9}(\d\d):(\d\d):\d\d  )", QRegularExpression::MultilineOption);
+            int minute = 0;
+            const QString text = QString::fromStdString(read_text_file(ss(log)).value_or(""));
+            for (auto m = row.globalMatch(text); m.hasNext();) {
+                const auto match = m.next();
+                minute = match.captured(1).toInt() * 60 + match.captured(2).toInt();
+            }
+            return minute;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(last_minute() >= 65, 30000);
+        child<QPushButton>(rt, "cmdStop")->click();
+        flush_deletes();
+        QTRY_VERIFY(!forms::is_loaded<frmRTGraph>());
+        QVERIFY2(last_minute() < 90, qPrintable(QString::number(last_minute())));
+
+        frmGraph* g = forms::get<frmGraph>();
+        g->show();
+        c.t.dialogs->queue(ss(log));
+        child<QAction>(g, "mnuOpen")->trigger();
+        when_shown("frmTrumpSet", [](QWidget* d) { child<QPushButton>(d, "CmdOK")->click(); });
+        child<QAction>(g, "mnuTrumpetGraph")->trigger();
+        serve_events();
+        auto* f = forms::loaded<frmTrumpetGraph>();
+        QVERIFY(f && f->isVisible() && !g->isVisible());
+        QCOMPARE(child<QLabel>(f, "lblAnalysisPeriod")->text(), QString("Analysis Period:  60 min  -  From 0 to 60 min"));
+        const ToolRun tool = run_kyt_tool({"trumpet", log, "--start", "0", "--length", "60"});
+        QCOMPARE(tool.exit_code, 0);
+        QCOMPARE(tool.lines.size(), 5);
+        const char* cells[] = {"lblMaxErrorP_%1", "lblMinErrorP_%1", "lblMaxErrorR_%1", "lblMinErrorR_%1"};
+        for (int row = 0; row < 5; ++row) {
+            const QStringList fields = tool.lines[row].split(' ');
+            for (int k = 0; k < 4; ++k)
+                QCOMPARE(child<QLabel>(f, qPrintable(QString(cells[k]).arg(row)))->text(),
+                         QString::fromStdString(format_picture(fields[k + 1].toDouble(), "0.00")));
+        }
+        child<QPushButton>(f, "mnuExitGraph")->click();
+        QVERIFY(g->isVisible());
+        forms::unload<frmGraph>();
     }
 
     // Replies that reach the line in pieces are read piece by piece: no
