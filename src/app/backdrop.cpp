@@ -91,3 +91,23 @@ QImage make_backdrop() {
                "Infusion device analysis: downloads, live tests, reports and trumpet curves");
     return img;
 }
+
+QImage make_logo(int size) {
+    QImage img(size, size, QImage::Format_ARGB32_Premultiplied);
+    img.fill(Qt::transparent);
+    QPainter p(&img);
+    p.setRenderHint(QPainter::Antialiasing);
+    const double s = size / 96.0;
+    p.scale(s, s);
+    QLinearGradient sky(0, 0, 0, 96);
+    sky.setColorAt(0, QColor(28, 72, 120));
+    sky.setColorAt(1, QColor(12, 34, 60));
+    p.setPen(Qt::NoPen);
+    p.setBrush(sky);
+    p.drawRoundedRect(QRectF(2, 2, 92, 92), 14, 14);
+    draw_trumpet(p, QRectF(12, 14, 72, 46));
+    p.setPen(Qt::white);
+    p.setFont(QFont("Liberation Sans", 17, QFont::Bold));
+    p.drawText(QRectF(0, 60, 96, 30), Qt::AlignCenter, "KYT");
+    return img;
+}

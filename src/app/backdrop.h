@@ -6,3 +6,5 @@
 QImage make_backdrop();
 // The colour around the backdrop when the window is larger.
 QColor backdrop_surround();
+// The console's logo: a trumpet curve over the name, size by size pixels.
+QImage make_logo(int size);

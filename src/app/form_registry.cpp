@@ -10,6 +10,10 @@
 #include "admin/frmSysAd.h"
 #include "common/forms.h"
 #include "graph/frmGraph.h"
+#include "help/frmAbout.h"
+#include "help/frmKYTGHelp.h"
+#include "help/frmKYTHelp.h"
+#include "help/frmKYTOverview.h"
 #include "link/frmChangePort.h"
 #include "link/frmTestPort.h"
 #include "reports/frmFileExists.h"
@@ -22,9 +26,13 @@
 void register_all_forms() {
     using namespace kyt::forms;
     // In the order in which shutdown closes them.
+    register_form<frmAbout>();
     register_form<frmChangePort>();
     register_form<frmChgPassword>();
     register_form<frmDownload>();
+    register_form<frmKYTGHelp>();
+    register_form<frmKYTHelp>();
+    register_form<frmKYTOverview>();
     register_form<frmGraph>();
     register_form<frmHeader>();
     register_form<frmInProgress>();

@@ -17,6 +17,7 @@
 #include "common/wait_cursor.h"
 #include "graph/chart_output.h"
 #include "graph/log_reader.h"
+#include "help/help_list_form.h"
 #include "trumpet/trumpet_settings.h"
 #include "ui_frmGraph.h"
 
@@ -52,10 +53,7 @@ frmGraph::frmGraph(QWidget* parent) : QMainWindow(parent), ui(new Ui::frmGraph) 
     // Help and About, when this build holds their screens.
     ui->mnuGraphHelp->setEnabled(forms::has_factory("frmKYTGHelp"));
     ui->mnuAbout->setEnabled(forms::has_factory("frmAbout"));
-    connect(ui->mnuGraphHelp, &QAction::triggered, this, [] {
-        shared().help_topic = "graph";
-        if (QWidget* help = forms::get("frmKYTGHelp")) help->show();
-    });
+    connect(ui->mnuGraphHelp, &QAction::triggered, this, [] { show_help_list(HelpContext::graph); });
     connect(ui->mnuAbout, &QAction::triggered, this, [] {
         if (auto* about = qobject_cast<QDialog*>(forms::get("frmAbout"))) about->exec();
     });

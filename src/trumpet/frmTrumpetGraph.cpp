@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 #include <QDialog>
 #include <QLabel>
+#include <QShortcut>
 
 #include "common/chart.h"
 #include "common/forms.h"
@@ -16,6 +17,7 @@
 #include "graph/chart_output.h"
 #include "graph/frmGraph.h"
 #include "graph/log_reader.h"
+#include "help/help_list_form.h"
 #include "trumpet/trumpet_settings.h"
 #include "ui_frmTrumpetGraph.h"
 
@@ -57,6 +59,10 @@ frmTrumpetGraph::frmTrumpetGraph(QWidget* parent) : QWidget(parent), ui(new Ui::
     connect(ui->cmdPrint, &QPushButton::clicked, this, &frmTrumpetGraph::cmdPrint_Click);
     connect(ui->cmdSave, &QPushButton::clicked, this, &frmTrumpetGraph::cmdSave_Click);
     connect(ui->mnuExitGraph, &QPushButton::clicked, this, &frmTrumpetGraph::mnuExitGraph_Click);
+
+    // F1 brings up the graph screens' help, as on the log graph.
+    auto* help = new QShortcut(QKeySequence(Qt::Key_F1), this);
+    connect(help, &QShortcut::activated, this, [] { show_help_list(HelpContext::graph); });
 
     Chart& g = *ui->TGraph;
     g.set_axis_title(ChartAxis::x, "Observation Period(minutes)");

@@ -95,6 +95,10 @@ private slots:
         QTest::newRow("frmGraph") << "frmGraph" << 3;
         QTest::newRow("frmSetRate") << "frmSetRate" << 2;
         QTest::newRow("frmTrumpSet") << "frmTrumpSet" << 0;
+        QTest::newRow("frmKYTHelp") << "frmKYTHelp" << 1;
+        QTest::newRow("frmKYTGHelp") << "frmKYTGHelp" << 0;
+        QTest::newRow("frmKYTOverview") << "frmKYTOverview" << 0;
+        QTest::newRow("frmAbout") << "frmAbout" << 0;
         QTest::newRow("frmTrumpetGraph") << "frmTrumpetGraph" << 0;
     }
     void every_access_key_acts() {
