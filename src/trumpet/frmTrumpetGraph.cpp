@@ -8,7 +8,6 @@
 #include "common/chart.h"
 #include "common/forms.h"
 #include "common/message_boxes.h"
-#include "common/numbers.h"
 #include "common/printer.h"
 #include "common/qt_text.h"
 #include "common/services.h"
@@ -146,24 +145,24 @@ void frmTrumpetGraph::graph_trumpet() {
 
 void frmTrumpetGraph::update_summary_data() {
     const TrumpetState& t = shared().trumpet;
+    const TrumpetSummaryTexts s =
+        trumpet_summary_texts(result_, graph_series().base_rate, t.trumpet_start_time, t.trumpet_end_time);
+    ui->lblSetRate->setText(qs(s.set_rate));
+    // A run that was abandoned leaves nothing else to show.
     if (!result_.ok()) {
         for (int i = 0; i < 5; ++i)
             for (QLabel* cell : {max_percent_[i], max_rate_[i], min_percent_[i], min_rate_[i]}) cell->clear();
         ui->lblAvgRate->setText("Avg Rate:");
         ui->lblAvgError->setText("% Error:");
-        ui->lblSetRate->setText(qs("Base Rate:  " + general_number(graph_series().base_rate) + " ml/hr"));
         ui->lblAnalysisPeriod->clear();
         return;
     }
-    const TrumpetSummaryTexts s =
-        trumpet_summary_texts(result_, graph_series().base_rate, t.trumpet_start_time, t.trumpet_end_time);
     for (std::size_t i = 0; i < 5; ++i) {
         max_percent_[i]->setText(qs(s.max_error_percent[i]));
         max_rate_[i]->setText(qs(s.max_error_rate[i]));
         min_percent_[i]->setText(qs(s.min_error_percent[i]));
         min_rate_[i]->setText(qs(s.min_error_rate[i]));
     }
-    ui->lblSetRate->setText(qs(s.set_rate));
     ui->lblAvgRate->setText(qs(s.avg_rate));
     ui->lblAvgError->setText(qs(s.avg_error));
     ui->lblAnalysisPeriod->setText(qs(s.analysis_period));

@@ -28,6 +28,11 @@ std::int16_t minutes16(double v) { return static_cast<std::int16_t>(v); }
 
 std::string whole(int v) { return std::to_string(v); }
 
+// A rate line of the summary and of the page: its label, the rate, the unit.
+std::string rate_text(std::string_view label, double rate) {
+    return std::string(label) + general_number(rate) + " ml/hr";
+}
+
 // A single-precision cell is formatted as the decimal it stands for, not as
 // the digits of its widening to double.
 double as_decimal(float v) {
@@ -116,8 +121,8 @@ TrumpetSummaryTexts trumpet_summary_texts(const TrumpetResult& result, double ba
         t.min_error_percent[i] = format_picture(as_decimal(row[min_error_percent]), "0.00");
         t.min_error_rate[i] = format_picture(as_decimal(row[min_error_rate]), "0.00");
     }
-    t.set_rate = "Base Rate:  " + general_number(base_rate) + " ml/hr";
-    t.avg_rate = "Avg Rate:  " + general_number(result.trumpet_avg_rate) + " ml/hr";
+    t.set_rate = rate_text("Base Rate:  ", base_rate);
+    t.avg_rate = rate_text("Avg Rate:  ", result.trumpet_avg_rate);
     t.avg_error = "% Error:  " + format_picture(result.trumpet_avg_error, "0.000");
     // Below minute 60 the end itself stands as the length.
     const int length = trumpet_end_time >= 60 ? trumpet_end_time - trumpet_start_time : trumpet_end_time;
@@ -154,8 +159,8 @@ TrumpetPageTexts trumpet_page_texts(const TrumpetPageInput& in) {
     const TrumpetResult& r = *in.result;
     TrumpetPageTexts t;
     const std::string start = whole(in.trumpet_start_time), end = whole(in.trumpet_end_time);
-    t.figures = {"Base Rate:  " + general_number(in.base_rate) + " ml/hr",
-                 "Average Rate:  " + general_number(r.trumpet_avg_rate) + " ml/hr",
+    t.figures = {rate_text("Base Rate:  ", in.base_rate),
+                 rate_text("Average Rate:  ", r.trumpet_avg_rate),
                  "Average % Error:  " + format_picture(r.trumpet_avg_error, "0.000") + " %",
                  in.trumpet_end_time >= 60
                      ? "Analysis Period:  " + whole(in.calculation_length) + " min -  From " + start + " to " + end +

@@ -154,12 +154,7 @@ private slots:
         t.dialogs->queue(graph_log("single_rate_45min.log").toStdString());
         form->findChild<QAction*>("mnuOpen")->trigger();
         t.boxes->expect(box.isEmpty() ? 0 : 1);
-        // The rate typed once the dialog is up, Enter pressed; a dialog that
-        // stays is cancelled.
-        test::when_shown("frmSetRate", [typed](QWidget* d) {
-            test::run_script(d, {"focus:txtSetRate", "type:" + typed, "enter"});
-            if (forms::find("frmSetRate")) d->findChild<QPushButton*>("cmdCancel")->click();
-        });
+        test::enter_rate_when_shown(typed);
         form->findChild<QPushButton*>("cmdSetRate")->click();
         QCOMPARE(t.boxes->shown.empty() ? QString() : QString::fromStdString(t.boxes->shown[0].text), box);
         QCOMPARE(form->findChild<QLabel*>("lblSetRate")->text(), shown);

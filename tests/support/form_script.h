@@ -127,4 +127,13 @@ inline void run_script(QWidget* form, const QStringList& steps) {
     }
 }
 
+// The base rate dialog, once up: the text typed and Enter pressed; a dialog
+// that stays after that is cancelled.
+inline void enter_rate_when_shown(const QString& typed) {
+    when_shown("frmSetRate", [typed](QWidget* d) {
+        run_script(d, {"focus:txtSetRate", "type:" + typed, "enter"});
+        if (forms::find("frmSetRate")) d->findChild<QAbstractButton*>("cmdCancel")->click();
+    });
+}
+
 }  // namespace kyt::test

@@ -264,10 +264,7 @@ private slots:
         frmGraph* g = log_graph(t, "single_rate_130min.log");
         frmTrumpetGraph* f = open_trumpet(g, {"click:CmdOK"});
         t.boxes->expect(box.isEmpty() ? 0 : 1);
-        test::when_shown("frmSetRate", [typed](QWidget* d) {
-            test::run_script(d, {"focus:txtSetRate", "type:" + typed, "enter"});
-            if (forms::find("frmSetRate")) d->findChild<QPushButton*>("cmdCancel")->click();
-        });
+        test::enter_rate_when_shown(typed);
         f->findChild<QPushButton*>("cmdSetRate")->click();
         QCOMPARE(t.boxes->shown.empty() ? QString() : QString::fromStdString(t.boxes->shown[0].text), box);
         QCOMPARE(label(f, "lblSetRate"), "Base Rate:  " + rate + " ml/hr");
