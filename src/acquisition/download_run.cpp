@@ -98,7 +98,7 @@ void frmDownload::start_capture(char mode) {
         chosen = !s.dirs.file_name.empty();
         if (chosen) {
             s.dirs.*(branch->file) = s.dirs.file_name;
-            report->setWindowTitle("REPORT - " + qs(s.dirs.file_name));
+            report->setWindowTitle("REPORT - " + qs_file(s.dirs.file_name));
         }
         run.download_ok = chosen;
     } else {

@@ -31,7 +31,7 @@ void frmOTGraph::initial_setup() {
     reset_buffers();
     setup_OTGraph();
     ot_time_left = std::lround(leading_number(run_choice().occlusion_minutes) * 60);
-    if (!s.dirs.ot_log_file.empty()) setWindowTitle("OCCLUSION TEST  -  " + qs(s.dirs.ot_log_file));
+    if (!s.dirs.ot_log_file.empty()) setWindowTitle("OCCLUSION TEST  -  " + qs_file(s.dirs.ot_log_file));
 }
 
 void frmOTGraph::setup_OTGraph() {

@@ -30,7 +30,7 @@ void frmRTGraph::initial_setup() {
     reset_buffers();
     setup_RTGraph();
     setup_duration();
-    if (!s.dirs.rt_log_file.empty()) setWindowTitle("RATE TEST  -  " + qs(s.dirs.rt_log_file));
+    if (!s.dirs.rt_log_file.empty()) setWindowTitle("RATE TEST  -  " + qs_file(s.dirs.rt_log_file));
 }
 
 void frmRTGraph::setup_RTGraph() {

@@ -74,7 +74,7 @@ void frmMain::Form_Load() {
 }
 
 void frmMain::read_ini() {
-    kyt::read_ini(*services().settings, ss(QDir::currentPath()), shared());
+    kyt::read_ini(*services().settings, ss_file(QDir::currentPath()), shared());
     save_settings_now();
 }
 
@@ -169,7 +169,7 @@ bool frmMain::exit_kyt() {
     else
         answer = msg_box("Are you sure want to quit KYT?", box_ask, title);
     if (answer != answer_yes) return false;
-    const QString temp = qs(tempfile_path(shared().dirs.save_dir));
+    const QString temp = qs_file(tempfile_path(shared().dirs.save_dir));
     if (QFile::exists(temp)) QFile::remove(temp);
     return true;
 }

@@ -9,20 +9,27 @@
 
 namespace kyt {
 
-std::optional<std::string> read_text_file(const std::string& path) {
+std::optional<std::string> read_text_file(const std::string& path, std::uintmax_t max_bytes) {
     std::error_code ec;
     if (std::filesystem::is_directory(path, ec)) return std::nullopt;
+    const auto size = std::filesystem::file_size(path, ec);
+    if (!ec && size > max_bytes) return std::nullopt;
     std::FILE* f = std::fopen(path.c_str(), "rb");
     if (!f) return std::nullopt;
     std::optional<std::string> text;
     try {
         text.emplace();
-        const auto size = std::filesystem::file_size(path, ec);
         if (!ec) text->reserve(static_cast<std::size_t>(size));
         char buffer[1 << 16];
         std::size_t got;
-        while ((got = std::fread(buffer, 1, sizeof buffer, f)) > 0) text->append(buffer, got);
-        if (std::ferror(f)) text.reset();
+        while ((got = std::fread(buffer, 1, sizeof buffer, f)) > 0) {
+            if (got > max_bytes - text->size()) {
+                text.reset();
+                break;
+            }
+            text->append(buffer, got);
+        }
+        if (text && std::ferror(f)) text.reset();
     } catch (const std::exception&) {  // too large to hold
         text.reset();
     }

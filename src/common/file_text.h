@@ -2,6 +2,7 @@
 // Whole files as bytes, for the procedures that read a file or write one in
 // a single piece.
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,8 +10,10 @@
 namespace kyt {
 
 // The file's bytes, or nothing when it cannot be opened or read (a folder,
-// or a file too large to hold).
-std::optional<std::string> read_text_file(const std::string& path);
+// or a file too large to hold), or when it holds more than max_bytes: a
+// file whose size says so is refused before anything is read, and one that
+// goes on past it (a device) once it has.
+std::optional<std::string> read_text_file(const std::string& path, std::uintmax_t max_bytes = UINTMAX_MAX);
 
 // Replaces the file with `text`; false when it cannot be opened or written.
 bool write_text_file(const std::string& path, std::string_view text);

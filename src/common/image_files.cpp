@@ -255,7 +255,7 @@ EncodedImage encode_image(const QImage& image, ImageFormat format) {
 std::string write_file_whole(const std::string& path, const QByteArray& bytes) {
     const std::string prefix = "The file \"" + path + "\" could not be written: ";
     if (path.empty()) return "No file name was given.";
-    QSaveFile file(qs(path));
+    QSaveFile file(qs_file(path));
     if (!file.open(QIODevice::WriteOnly)) return prefix + ss(file.errorString()) + ".";
     if (file.write(bytes) != bytes.size()) {
         const std::string why = ss(file.errorString());

@@ -1,5 +1,6 @@
 #include "common/numbers.h"
 
+#include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <cmath>
@@ -75,22 +76,42 @@ std::string scan_decimal(std::string_view s, std::size_t& i, bool& dangling) {
     return num;
 }
 
+// The power of ten of the first significant digit of an unsigned text that
+// scan_decimal read ("0.05" gives -2, "120e3" gives 5); a text of zeros
+// gives -1. Only its sign is wanted, so a long exponent is held at a
+// billion.
+long decimal_order(std::string_view num) {
+    const std::size_t e = num.find('e');
+    long exponent = 0;
+    if (e != std::string_view::npos) {
+        std::size_t j = e + 1;
+        const bool minus = j < num.size() && num[j] == '-';
+        if (j < num.size() && (num[j] == '+' || num[j] == '-')) ++j;
+        for (; j < num.size() && exponent < 1'000'000'000; ++j) exponent = exponent * 10 + (num[j] - '0');
+        if (minus) exponent = -exponent;
+        num = num.substr(0, e);
+    }
+    const std::size_t point = std::min(num.find('.'), num.size());
+    const std::size_t first = num.find_first_not_of("0.");
+    if (first == std::string_view::npos) return -1;
+    const long order = first < point ? static_cast<long>(point - first) - 1 : -static_cast<long>(first - point);
+    return order + exponent;
+}
+
 // The value of a text that scan_decimal read. The C library's conversions
 // follow the locale the program runs in, which may want a decimal comma;
 // the console's files always hold a point, so the conversion here is the
 // locale-free one. A value beyond a double's range reads as infinity, a
-// value too small for it as zero, each with its sign.
+// value too small for it as zero, each with its sign; which of the two it
+// is follows from the place of its first significant digit, not from how
+// the text starts ("0999...9" with 400 nines is too large).
 double decimal_value(std::string_view num) {
     const bool negative = !num.empty() && num[0] == '-';
     if (!num.empty() && (num[0] == '+' || num[0] == '-')) num.remove_prefix(1);
     double v = 0;
     const auto [end, ec] = std::from_chars(num.data(), num.data() + num.size(), v);
-    if (ec == std::errc::result_out_of_range) {
-        const std::size_t e = num.find('e');
-        const bool tiny = e != std::string_view::npos ? num.substr(e + 1).starts_with('-')
-                                                      : num.starts_with('0') || num.starts_with('.');
-        v = tiny ? 0.0 : std::numeric_limits<double>::infinity();
-    }
+    if (ec == std::errc::result_out_of_range)
+        v = decimal_order(num) < 0 ? 0.0 : std::numeric_limits<double>::infinity();
     return negative ? -v : v;
 }
 

@@ -103,13 +103,13 @@ double QtPrinter::page_height() const {
 }
 
 std::string QtPrinter::next_pdf_path() const {
-    const QString folder = qs(options_.pdf_folder.empty() ? shared().dirs.save_dir : options_.pdf_folder);
+    const QString folder = qs_file(options_.pdf_folder.empty() ? shared().dirs.save_dir : options_.pdf_folder);
     const QDir dir(folder.isEmpty() ? QDir::homePath() : folder);
-    if (!options_.pdf_name.empty()) return ss(dir.filePath(qs(options_.pdf_name)));
+    if (!options_.pdf_name.empty()) return ss_file(dir.filePath(qs_file(options_.pdf_name)));
     const QString stem = "kyt-print-" + QDateTime::currentDateTime().toString("yyyyMMdd-hhmmss");
     QString path = dir.filePath(stem + ".pdf");
     for (int n = 2; QFileInfo::exists(path); ++n) path = dir.filePath(stem + "-" + QString::number(n) + ".pdf");
-    return ss(path);
+    return ss_file(path);
 }
 
 bool QtPrinter::fail(const std::string& why) {
@@ -128,7 +128,7 @@ bool QtPrinter::begin_job() {
     if (to_pdf_) {
         pdf_path_ = next_pdf_path();
         pdf_part_path_ = pdf_path_ + ".part";
-        p.setOutputFileName(qs(pdf_part_path_));
+        p.setOutputFileName(qs_file(pdf_part_path_));
     }
     p.setPageOrientation(qt_orientation(orientation_));
     p.setDocName("Kyt Console");
@@ -229,14 +229,14 @@ bool QtPrinter::end_job() {
     if (!painter_) {
         // Nothing printed, or the job failed before its first page.
         const bool ok = !failed_;
-        if (to_pdf_) QFile::remove(qs(pdf_part_path_));
+        if (to_pdf_) QFile::remove(qs_file(pdf_part_path_));
         reset_job();
         return ok;
     }
     const bool ended = painter_->end() && !failed_;
     bool ok = ended;
     if (to_pdf_) {
-        const QString part = qs(pdf_part_path_), whole = qs(pdf_path_);
+        const QString part = qs_file(pdf_part_path_), whole = qs_file(pdf_path_);
         if (!ended || !pdf_is_whole(part)) {
             fail("The PDF file \"" + pdf_path_ + "\" could not be written: the disk may be full.");
             ok = false;

@@ -90,16 +90,19 @@ std::string cut_at_tech(std::string text) {
 
 bool next_line(std::string_view text, std::size_t& pos, std::string_view& line) {
     if (pos >= text.size()) return false;
-    const std::size_t end = text.find(LF, pos);
+    const std::size_t end = text.find_first_of("\r\n", pos);
     if (end == std::string_view::npos) {
         line = text.substr(pos);
         pos = text.size();
         return true;
     }
-    std::size_t stop = end;
-    if (stop > pos && text[stop - 1] == CR) --stop;
-    line = text.substr(pos, stop - pos);
-    pos = end + 1;
+    line = text.substr(pos, end - pos);
+    // CRs before an LF belong to its line end (a transfer may double the
+    // CR); a CR that no LF follows ends the line by itself, as in a file
+    // whose LFs were taken out.
+    std::size_t next = end;
+    while (next < text.size() && text[next] == CR) ++next;
+    pos = next < text.size() && text[next] == LF ? next + 1 : end + 1;
     return true;
 }
 

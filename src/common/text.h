@@ -62,8 +62,9 @@ std::string fit_field(std::string_view value, std::size_t width);
 // leaves nothing.
 std::string cut_at_tech(std::string text);
 
-// Splits at CR LF; a lone LF also ends a line, a CR before it is taken off.
-// A text that ends in a line end gives no empty last line.
+// Splits at CR LF; a lone LF or a lone CR also ends a line, and the CRs
+// right before an LF are taken off with it. A text that ends in a line end
+// gives no empty last line.
 std::vector<std::string> split_lines(std::string_view text);
 
 // The same cut one line at a time, as a view into the text: the line from

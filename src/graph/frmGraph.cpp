@@ -264,7 +264,7 @@ void frmGraph::cmdNormal_Click() {
 
 void frmGraph::update_graph_info() {
     const GraphInfo g = graph_info(graph_series(), graph_file_name);
-    setWindowTitle(qs(g.caption));
+    setWindowTitle(qs_file(g.caption));
     ui->lblNoPoints->setText(qs(g.points));
     ui->lblTotalTime->setText(qs(g.total_time));
     ui->lblMaxFlow->setText(qs(g.max_flow));

@@ -290,7 +290,7 @@ LogSeries& graph_series() {
 }
 
 LogReadResult read_log_file(const std::string& path, bool single_rate_test) {
-    const std::optional<std::string> text = read_text_file(path);
+    const std::optional<std::string> text = read_text_file(path, log_size_limit);
     if (!text) {
         LogReadResult r;
         r.single_rate_test = single_rate_test;

@@ -63,8 +63,13 @@ LogSeries& graph_series();
 // read by the same graph form; it counts as met here too.
 LogReadResult read_log(std::string_view text, bool single_rate_test = false);
 
-// Reads the log in the named file; a file that cannot be read is refused as
-// the counting pass refuses it.
+// A log of the most records the graph takes (32,767) with its page heads is
+// some 3 MB; a larger file is no log, and is refused before it is read.
+inline constexpr std::uintmax_t log_size_limit = 16u << 20;
+
+// Reads the log in the named file; a file that cannot be read, or is larger
+// than log_size_limit, is refused as the counting pass refuses a log of too
+// many records.
 LogReadResult read_log_file(const std::string& path, bool single_rate_test = false);
 
 namespace detail {

@@ -22,7 +22,7 @@ frmKYTOverview::~frmKYTOverview() { delete ui; }
 
 std::vector<std::string> frmKYTOverview::help_folders() {
     return {shared().dirs.help_dir,
-            ss(QDir::cleanPath(QCoreApplication::applicationDirPath() + "/../share/kyt-console/help"))};
+            ss_file(QDir::cleanPath(QCoreApplication::applicationDirPath() + "/../share/kyt-console/help"))};
 }
 
 void frmKYTOverview::Form_Activate() {

@@ -167,11 +167,17 @@ HelpPage load_help_page(const std::vector<std::string>& folders, HelpContext con
             p.text = "The help file " + path + " is too large to be a help text.";
             return p;
         }
-        if (const std::optional<std::string> bytes = read_text_file(path)) {
+        const std::optional<std::string> bytes = read_text_file(path, max_help_file_bytes);
+        if (!bytes) {
+            p.text = "The help file " + path + " cannot be read.";
+        } else if (bytes->empty()) {
+            p.text = "The help file " + path + " is empty.";
+        } else if (bytes->find('\0') != std::string::npos) {
+            // No text holds a NUL: the file is damaged or something else.
+            p.text = "The help file " + path + " is not a text file.";
+        } else {
             p.text = help_text(*bytes, context);
             p.found = true;
-        } else {
-            p.text = "The help file " + path + " cannot be read.";
         }
         return p;
     }

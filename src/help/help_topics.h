@@ -55,9 +55,9 @@ struct HelpPage {
 };
 
 // The topic's file from the first of the folders that holds it. A topic
-// that does not exist, or a file that none holds or that cannot be read,
-// gives a one-line text that names the file and the help folder (the first
-// folder).
+// that does not exist, or a file that none holds, that cannot be read, is
+// empty or holds a NUL (no text does), gives a one-line text that names the
+// file and the help folder (the first folder).
 HelpPage load_help_page(const std::vector<std::string>& folders, HelpContext context, int page);
 
 // The main window's keys, kept as a message of the help list.

@@ -5,6 +5,7 @@
 
 #include "common/text.h"
 #include "common/file_text.h"
+#include "reports/report_file.h"
 
 namespace kyt {
 
@@ -102,12 +103,18 @@ CsvResult convert_log_to_csv(const std::string& file_name) {
         return r;
     }
     r.target = name.substr(0, name.size() - 4) + ".CSV";
-    const auto log_text = read_text_file(name);
+    const auto log_text = read_text_file(name, report_size_limit);
     if (!log_text) {
         r.outcome = CsvOutcome::cannot_open;
         return r;
     }
     const CsvText converted = convert_log_text(*log_text);
+    // A text without the log's column headings gives nothing to write, and
+    // a spreadsheet file made before stays as it was.
+    if (converted.csv.empty()) {
+        r.outcome = CsvOutcome::no_end_mark;
+        return r;
+    }
     if (!write_text_file(r.target, converted.csv))
         r.outcome = CsvOutcome::cannot_open;
     else

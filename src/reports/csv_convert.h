@@ -46,8 +46,10 @@ struct CsvResult {
 };
 
 // The whole conversion from the log file's name: its trimmed name must end
-// in ".log", exactly so (".LOG" is refused); the target is replaced. A log
-// that ends without "END OF DATA" leaves what was converted in the target.
+// in ".log", exactly so (".LOG" is refused), and the file may hold at most
+// report_size_limit bytes; the target is replaced. A log that ends without
+// "END OF DATA" leaves what was converted in the target; a text without the
+// column headings leaves the target alone.
 CsvResult convert_log_to_csv(const std::string& file_name);
 
 }  // namespace kyt

@@ -92,7 +92,7 @@ void frmReports::mnuOpen_Click() {
     common_dialog().title = "OPEN EDIT";
     show_open_dialog();
     load_report_file();
-    setWindowTitle("REPORT - " + qs(s.dirs.file_name));
+    setWindowTitle("REPORT - " + qs_file(s.dirs.file_name));
 }
 
 void frmReports::load_report_file() {
@@ -110,7 +110,7 @@ void frmReports::load_report_file() {
                 box_exclamation, "BAD FILE NAME");
         return;
     }
-    const std::optional<std::string> bytes = read_text_file(name);
+    const std::optional<std::string> bytes = read_text_file(name, report_size_limit);
     if (!bytes) {
         tell(bad_open_name);
         return;

@@ -101,7 +101,7 @@ void frmTrumpetGraph::Form_Activate() {
     update_summary_data();
 }
 
-void frmTrumpetGraph::update_trumpet_title() { setWindowTitle(qs(trumpet_title(graph_file_name()))); }
+void frmTrumpetGraph::update_trumpet_title() { setWindowTitle(qs_file(trumpet_title(graph_file_name()))); }
 
 void frmTrumpetGraph::graph_trumpet() {
     const WaitCursor busy;

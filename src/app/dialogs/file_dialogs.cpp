@@ -42,9 +42,9 @@ std::string run_dialog(const CommonDialog& d, bool save) {
     QFileDialog dlg(QApplication::activeWindow(), qs(d.title));
     const QStringList filters = qt_name_filters(d.filter);
     if (!filters.isEmpty()) dlg.setNameFilters(filters);
-    const QString dir = qs(d.initial_dir);
+    const QString dir = qs_file(d.initial_dir);
     if (!dir.isEmpty()) dlg.setDirectory(dir);
-    if (!d.file_name.empty()) dlg.selectFile(qs(d.file_name));
+    if (!d.file_name.empty()) dlg.selectFile(qs_file(d.file_name));
     if (save) {
         dlg.setAcceptMode(QFileDialog::AcceptSave);
         dlg.setFileMode(QFileDialog::AnyFile);
@@ -67,7 +67,7 @@ std::string run_dialog(const CommonDialog& d, bool save) {
         const QString name = dlg.selectedFiles().constFirst();
         if ((d.flags & dlg_path_must_exist) && !QFileInfo(name).dir().exists()) continue;
         if ((d.flags & dlg_file_must_exist) && !QFileInfo::exists(name)) continue;
-        return ss(QDir::toNativeSeparators(name));
+        return ss_file(QDir::toNativeSeparators(name));
     }
 }
 

@@ -35,7 +35,9 @@ public:
 class FileDialogs {
 public:
     virtual ~FileDialogs() = default;
-    // Each returns the chosen name, or an empty text when the operator gave up.
+    // Each returns the chosen name, or an empty text when the operator gave
+    // up. Names, the initial folder among them, are in the file system's
+    // bytes (see qs_file).
     virtual std::string show_open(const CommonDialog& d) = 0;
     virtual std::string show_save(const CommonDialog& d) = 0;
 };

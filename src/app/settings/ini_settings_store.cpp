@@ -1,14 +1,21 @@
 #include "app/settings/ini_settings_store.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
+
+#include <utility>
 
 #include "common/qt_text.h"
 
 namespace kyt {
 
 namespace {
+
+// A settings file is a few kilobytes.
+constexpr qint64 max_settings_file_bytes = 1 << 20;
 
 // The spelling already in use for a name, compared without regard to case.
 QString existing_name(const QStringList& names, const QString& wanted) {
@@ -39,7 +46,7 @@ IniSettingsStore::IniSettingsStore(QString folder) : folder_(folder.isEmpty() ? 
 IniSettingsStore::~IniSettingsStore() { flush(); }
 
 std::string IniSettingsStore::flush() {
-    std::string why;
+    std::string why = std::exchange(notice_, {});
     for (auto& [name, settings] : files_) {
         settings->sync();
         if (settings->status() != QSettings::NoError && why.empty())
@@ -55,9 +62,31 @@ QSettings& IniSettingsStore::file(std::string_view app) {
     auto& slot = files_[name];
     if (!slot) {
         QDir().mkpath(folder_);
+        keep_damaged(name);
         slot = std::make_unique<QSettings>(name, QSettings::IniFormat);
     }
     return *slot;
+}
+
+// QSettings reads a file whole, and on its next write drops, without a word,
+// whatever it could not make out. So a file it cannot read, or one far too
+// large to be settings, takes another name before anything is read from it
+// for good or written over it. A file that cannot be opened at all stays:
+// QSettings writes nothing over it, and flush tells.
+void IniSettingsStore::keep_damaged(const QString& name) {
+    const QFileInfo info(name);
+    if (!info.isFile()) return;
+    bool damaged = info.size() > max_settings_file_bytes;
+    if (!damaged) {
+        // QSettings makes out a section only when it is asked for a key.
+        const QSettings probe(name, QSettings::IniFormat);
+        probe.allKeys();
+        damaged = probe.status() == QSettings::FormatError;
+    }
+    const QString kept = name + ".damaged";
+    if (!damaged || (QFile::exists(kept) && !QFile::remove(kept)) || !QFile::rename(name, kept)) return;
+    notice_ = "The settings file " + ss(QDir::toNativeSeparators(name)) + " could not be read; it was kept as " +
+              ss(QDir::toNativeSeparators(kept)) + ", and the console starts from its defaults.";
 }
 
 QString IniSettingsStore::default_folder() {

@@ -2,7 +2,8 @@
 // The settings store on disk: one INI file per application name in the
 // per-user configuration folder (kyt-console/kyt.ini under it). Sections and
 // keys are found without regard to case and keep the spelling they were first
-// written with.
+// written with. A file that cannot be read as settings is kept aside under
+// the name with ".damaged" added, and the console starts from its defaults.
 
 #include <QSettings>
 #include <QString>
@@ -29,12 +30,15 @@ public:
     static QString default_folder();
 
     // Writes what is pending to disk now. Without it the file follows at the
-    // next turn of the event loop, once for a whole batch of writes.
+    // next turn of the event loop, once for a whole batch of writes. Tells,
+    // once, of a damaged file kept aside.
     std::string flush() override;
 
 private:
     QSettings& file(std::string_view app);
+    void keep_damaged(const QString& name);
     QString folder_;
+    std::string notice_;
     std::map<QString, std::unique_ptr<QSettings>> files_;
 };
 
