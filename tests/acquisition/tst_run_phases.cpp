@@ -81,6 +81,8 @@ const QString restore = "restore_pointer frmRTGraph";
 class tst_run_phases : public QObject {
     Q_OBJECT
 private slots:
+    // The summaries' ends, and an occlusion log closed at its end, run
+    // against the simulator in tst_live_e2e.
     void next_phase_data() {
         QTest::addColumn<QString>("before");
         QTest::addColumn<QString>("files");
@@ -112,16 +114,6 @@ private slots:
                            "unload_form frmRTGraph"} +
                    occlusion_starts.mid(1) + QStringList{restore}
             << "ot_pending ot_running ot_selected";
-        QTest::newRow("single-rate summary ends the run")
-            << "rt_sum_running rt_sum_on" << "" << ""
-            << QStringList{"unload_form frmSummary", "stop_timer frmRTGraph.GetSumTimer", restore,
-                           "unload_form frmRTGraph", restore}
-            << "rt_sum_on";
-        QTest::newRow("occlusion ends, log closed only with Save to File")
-            << "ot_running ot_pending ot_selected ot_log_on" << "ot_log" << "save"
-            << QStringList{"close_data_file frmOTGraph", "stop_current_test", "stop_timer frmOTGraph.GetDataTimer",
-                           "stop_timer frmOTGraph.DurationTimer", "unload_form frmOTGraph", restore}
-            << "ot_log_on";
         QTest::newRow("occlusion ends without Save to File: the log stays open")
             << "ot_running ot_pending ot_log_on" << "ot_log" << ""
             << QStringList{"stop_current_test", "stop_timer frmOTGraph.GetDataTimer",
@@ -134,11 +126,6 @@ private slots:
                            "show_form frmSummary", "busy frmOTGraph", "create_summary_file frmOTGraph",
                            "start_timer frmOTGraph.GetSumTimer", restore}
             << "first_buffer ot_pending ot_sum_on ot_sum_running";
-        QTest::newRow("occlusion summary ends the run")
-            << "ot_sum_running ot_pending ot_sum_on" << "" << ""
-            << QStringList{"unload_form frmSummary", "stop_timer frmOTGraph.GetSumTimer",
-                           "restore_pointer frmOTGraph", "unload_form frmOTGraph", restore}
-            << "ot_sum_on";
         QTest::newRow("the single-rate phase is decided first")
             << "rt_running ot_running" << "" << "" << rt_ends + QStringList{"unload_form frmRTGraph", restore}
             << "ot_running";

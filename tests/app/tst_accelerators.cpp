@@ -49,18 +49,29 @@ QWidget* load(const QString& form) {
 class tst_accelerators : public QObject {
     Q_OBJECT
 private slots:
-    void initTestCase() {
-        register_all_forms();
-    }
+    void initTestCase() { register_all_forms(); }
 
-    void every_control_is_named_data() { every_access_key_acts_data(); }
-    void every_control_is_named() {
+    void every_form_data() {
+        QTest::addColumn<QString>("form");
+        QTest::addColumn<int>("keys");  // how many access keys the form shows
+        const std::pair<const char*, int> forms_and_keys[] = {
+            {"frmMain", 3},         {"frmChangePort", 2},   {"frmTestPort", 2},     {"frmSysAd", 0},
+            {"frmPassWord", 1},     {"frmChgPassword", 2},  {"frmHeader", 0},       {"frmDownload", 2},
+            {"frmReports", 4},      {"frmInProgress", 1},   {"frmFileExists", 3},   {"frmRTGraph", 0},
+            {"frmOTGraph", 0},      {"frmSummary", 1},      {"frmGraph", 3},        {"frmSetRate", 2},
+            {"frmTrumpSet", 0},     {"frmKYTHelp", 1},      {"frmKYTGHelp", 0},     {"frmKYTOverview", 0},
+            {"frmAbout", 0},        {"frmTrumpetGraph", 0}};
+        for (const auto& [form, keys] : forms_and_keys) QTest::newRow(form) << QString(form) << keys;
+    }
+    void every_form() {
         QFETCH(QString, form);
+        QFETCH(int, keys);
         auto t = test::install_test_services();
         t.boxes->allow_any();
         QWidget* w = load(form);
         QVERIFY(w);
-        w->show();
+        QVERIFY(test::show_active(w));
+
         QStringList unnamed;
         for (QWidget* c : w->findChildren<QWidget*>()) {
             if (c->focusPolicy() == Qt::NoFocus || !c->isVisibleTo(w) || c->isWindow()) continue;
@@ -70,45 +81,6 @@ private slots:
             if (name.isEmpty()) unnamed << c->objectName() + " (" + c->metaObject()->className() + ")";
         }
         QVERIFY2(unnamed.isEmpty(), qPrintable(unnamed.join(", ")));
-        forms::unload(form);
-        if (form != "frmMain") forms::unload<frmMain>();
-        test::flush_deletes();
-    }
-
-    void every_access_key_acts_data() {
-        QTest::addColumn<QString>("form");
-        QTest::addColumn<int>("keys");  // how many access keys the form shows
-        QTest::newRow("frmMain") << "frmMain" << 3;
-        QTest::newRow("frmChangePort") << "frmChangePort" << 2;
-        QTest::newRow("frmTestPort") << "frmTestPort" << 2;
-        QTest::newRow("frmSysAd") << "frmSysAd" << 0;
-        QTest::newRow("frmPassWord") << "frmPassWord" << 1;
-        QTest::newRow("frmChgPassword") << "frmChgPassword" << 2;
-        QTest::newRow("frmHeader") << "frmHeader" << 0;
-        QTest::newRow("frmDownload") << "frmDownload" << 2;
-        QTest::newRow("frmReports") << "frmReports" << 4;
-        QTest::newRow("frmInProgress") << "frmInProgress" << 1;
-        QTest::newRow("frmFileExists") << "frmFileExists" << 3;
-        QTest::newRow("frmRTGraph") << "frmRTGraph" << 0;
-        QTest::newRow("frmOTGraph") << "frmOTGraph" << 0;
-        QTest::newRow("frmSummary") << "frmSummary" << 1;
-        QTest::newRow("frmGraph") << "frmGraph" << 3;
-        QTest::newRow("frmSetRate") << "frmSetRate" << 2;
-        QTest::newRow("frmTrumpSet") << "frmTrumpSet" << 0;
-        QTest::newRow("frmKYTHelp") << "frmKYTHelp" << 1;
-        QTest::newRow("frmKYTGHelp") << "frmKYTGHelp" << 0;
-        QTest::newRow("frmKYTOverview") << "frmKYTOverview" << 0;
-        QTest::newRow("frmAbout") << "frmAbout" << 0;
-        QTest::newRow("frmTrumpetGraph") << "frmTrumpetGraph" << 0;
-    }
-    void every_access_key_acts() {
-        QFETCH(QString, form);
-        QFETCH(int, keys);
-        auto t = test::install_test_services();
-        t.boxes->allow_any();
-        QWidget* w = load(form);
-        QVERIFY(w);
-        QVERIFY(test::show_active(w));
 
         int found = 0;
         for (QAbstractButton* b : w->findChildren<QAbstractButton*>()) {

@@ -10,82 +10,67 @@ using namespace kyt;
 class tst_settings : public QObject {
     Q_OBJECT
 private slots:
-    void first_start_with_an_empty_store() {
-        IniSettingsStore store(test::fresh_settings_folder());
-        SharedState s;
-        read_ini(store, "/home/tech/kyt", s);
-        QCOMPARE(s.port.comm_port, 2);
-        QCOMPARE(s.port.series, 'C');
-        QVERIFY(s.run.header_wanted && s.run.header_entered);
-        QCOMPARE(s.dirs.main_dir, std::string("/home/tech/kyt"));
-        QCOMPARE(s.dirs.save_dir, std::string("/home/tech/kyt/save"));
-        QCOMPARE(s.dirs.init_dir, std::string("/home/tech/kyt/save"));
-        QCOMPARE(s.dirs.help_dir, std::string("/home/tech/kyt/help"));
-        // All four folder keys exist after the first start, in the file itself.
-        QSettings file(store.file_for("kyt"), QSettings::IniFormat);
-        QCOMPARE(file.value("Startup/maindir").toString(), QString("/home/tech/kyt"));
-        QCOMPARE(file.value("Startup/savedir").toString(), QString("/home/tech/kyt/save"));
-        QCOMPARE(file.value("Startup/initdir").toString(), QString("/home/tech/kyt/save"));
-        QCOMPARE(file.value("Startup/helpdir").toString(), QString("/home/tech/kyt/help"));
-        QVERIFY(!file.contains("Startup/comm"));
-    }
-
-    void stored_values_win_over_the_start_folder_data() {
-        QTest::addColumn<QString>("comm");
+    // What a start reads: the port and the series as stored (Comm 2 and
+    // series C when none is), the folders from the start folder unless one
+    // is stored. The four folders are written back.
+    void read_at_start_data() {
+        QTest::addColumn<QString>("comm");  // with the series and the save folder; "-": nothing stored
         QTest::addColumn<QString>("series");
         QTest::addColumn<int>("port");
         QTest::addColumn<char>("letter");
-        QTest::newRow("port 3") << "3" << "C" << 3 << 'C';
+        QTest::newRow("first start") << "-" << "-" << 2 << 'C';
         QTest::newRow("long series cut to one letter") << "2" << "Cx" << 2 << 'C';
         QTest::newRow("port not a number reads as 0") << "two" << "D" << 0 << 'D';
         QTest::newRow("port with blanks and a tail") << " 4x" << "A" << 4 << 'A';
         QTest::newRow("empty series is a blank") << "1" << "" << 1 << ' ';
         QTest::newRow("port too large for 16 bits") << "70000" << "C" << 0 << 'C';
     }
-    void stored_values_win_over_the_start_folder() {
+    void read_at_start() {
         QFETCH(QString, comm);
         QFETCH(QString, series);
         QFETCH(int, port);
         QFETCH(char, letter);
-        IniSettingsStore store(test::fresh_settings_folder());
-        store.save_setting("KYT", "STARTUP", "comm", comm.toStdString());
-        store.save_setting("kyt", "startup", "series", series.toStdString());
-        store.save_setting("kyt", "Startup", "savedir", "/data/pumps");
+        const QString folder = test::fresh_settings_folder();
+        IniSettingsStore store(folder);
+        if (comm != "-") {
+            store.save_setting("KYT", "STARTUP", "comm", comm.toStdString());
+            store.save_setting("kyt", "startup", "series", series.toStdString());
+            store.save_setting("kyt", "Startup", "savedir", "/data/pumps");
+        }
         SharedState s;
-        read_ini(store, "/elsewhere", s);
+        read_ini(store, "/home/tech/kyt", s);
         QCOMPARE(s.port.comm_port, port);
         QCOMPARE(s.port.series, letter);
-        QCOMPARE(s.dirs.save_dir, std::string("/data/pumps"));
-        QCOMPARE(s.dirs.main_dir, std::string("/elsewhere"));
+        QVERIFY(s.run.header_wanted && s.run.header_entered);
+        const std::string home = "/home/tech/kyt", save = comm == "-" ? home + "/save" : "/data/pumps";
+        const std::pair<const char*, std::string> folders[] = {
+            {"maindir", home}, {"savedir", save}, {"initdir", home + "/save"}, {"helpdir", home + "/help"}};
+        QCOMPARE((std::vector<std::string>{s.dirs.main_dir, s.dirs.save_dir, s.dirs.init_dir, s.dirs.help_dir}),
+                 (std::vector<std::string>{home, save, home + "/save", home + "/help"}));
+        QCOMPARE(store.flush(), std::string());
+        IniSettingsStore again(folder);
+        for (const auto& [key, value] : folders) QCOMPARE(again.get_setting("kyt", "startup", key, "-"), value);
+        QCOMPARE(again.get_setting("kyt", "startup", "comm", "-"), comm.toStdString());
     }
 
+    // Names in any spelling, one key in the file as it was first written,
+    // read again by the next store.
     void names_are_found_without_regard_to_case() {
-        IniSettingsStore store(test::fresh_settings_folder());
-        store.save_setting("kyt", "Startup", "FIELD4MANDATORY", "True");
-        QCOMPARE(store.get_setting("KYT", "STARTUP", "field4mandatory", "x"), std::string("True"));
-        store.save_setting("Kyt", "startup", "Field4Mandatory", "False");
-        QCOMPARE(store.get_setting("kyt", "Startup", "FIELD4MANDATORY"), std::string("False"));
-        // One key in the file, spelled as it was first written.
-        QSettings file(store.file_for("kyt"), QSettings::IniFormat);
+        const QString folder = test::fresh_settings_folder();
+        {
+            IniSettingsStore store(folder);
+            store.save_setting("kyt", "Startup", "FIELD4MANDATORY", "True");
+            QCOMPARE(store.get_setting("KYT", "STARTUP", "field4mandatory", "x"), std::string("True"));
+            store.save_setting("Kyt", "startup", "Field4Mandatory", "False");
+            store.save_setting("kyt", "Startup", "series", "D");
+            store.delete_setting("KYT", "STARTUP", "SERIES");
+        }
+        QSettings file(folder + "/kyt.ini", QSettings::IniFormat);
         QCOMPARE(file.childGroups(), QStringList{"Startup"});
         file.beginGroup("Startup");
         QCOMPARE(file.childKeys(), QStringList{"FIELD4MANDATORY"});
-        file.endGroup();
-        store.delete_setting("KYT", "STARTUP", "field4MANDATORY");
-        QCOMPARE(store.get_setting("kyt", "Startup", "FIELD4MANDATORY", "absent"), std::string("absent"));
-    }
-
-    void values_outlive_the_store() {
-        const QString folder = test::fresh_settings_folder();
-        {
-            IniSettingsStore first(folder);
-            first.save_setting("kyt", "Startup", "comm", "3");
-            first.save_setting("kyt", "Startup", "series", "D");
-            first.delete_setting("kyt", "Startup", "series");
-        }
         IniSettingsStore next(folder);
-        QCOMPARE(next.get_setting("KYT", "STARTUP", "comm"), std::string("3"));
-        QCOMPARE(next.get_setting("kyt", "startup", "series", "absent"), std::string("absent"));
+        QCOMPARE(next.get_setting("kyt", "Startup", "field4Mandatory"), std::string("False"));
     }
 
     void an_unwritable_folder_is_reported() {

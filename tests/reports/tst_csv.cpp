@@ -3,12 +3,12 @@
 #include "common/text.h"
 #include "reports/csv_convert.h"
 #include "common/file_text.h"
+#include "support/kyt_tool_run.h"
 #include "support/test_data.h"
 
 using namespace kyt;
 
 namespace {
-
 
 // The head of a single-rate log as the console writes it, through line 31.
 std::string log_head_lines() {
@@ -30,7 +30,6 @@ private slots:
                                   << ",        01,02,03, 9.999,  99.50,   0.833,    12.5";
         QTest::newRow("empty") << "" << "";
         QTest::newRow("blanks only") << "    " << ",   ";
-        QTest::newRow("single blanks") << "a:b c" << "a,b,c";
         QTest::newRow("a colon keeps the run of blanks going") << " : x" << ",, x";
         QTest::newRow("any other character ends the run") << " a b" << ",a,b";
     }
@@ -38,12 +37,6 @@ private slots:
         QFETCH(QString, line);
         QFETCH(QString, expected);
         QCOMPARE(QString::fromStdString(time_colons_to_commas(line.toStdString())), expected);
-    }
-
-    void golden() {
-        const CsvText r = convert_log_text(test_data("logs/single_rate.log"));
-        QVERIFY(r.complete);
-        QCOMPARE(r.csv, test_data("reports/single_rate.CSV"));
     }
 
     void conversion_data() {
@@ -77,14 +70,6 @@ private slots:
         QCOMPARE(QString::fromStdString(r.csv), csv);
     }
 
-    void occlusion_log_by_the_same_rules() {
-        const CsvText r = convert_log_text(test_data("logs/occlusion.log"));
-        QVERIFY(r.complete);
-        QVERIFY(contains(r.csv, "         OCCLUSION PRESSURE ,\r\n\r\n" + headings));
-        QVERIFY(contains(r.csv, ",               00,27,           06.75,     349\r\n,               00,28,"));
-        QVERIFY(!contains(r.csv, "p. 02"));
-    }
-
     void files_data() {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("content");
@@ -95,10 +80,8 @@ private slots:
         QTest::newRow("log") << "a.log" << "good" << converted << "a.CSV";
         QTest::newRow("blanks around the name") << "  b.log  " << "good" << converted << "b.CSV";
         QTest::newRow("upper-case extension refused") << "c.LOG" << "good" << bad << "";
-        QTest::newRow("other extension refused") << "d.txt" << "good" << bad << "";
         QTest::newRow("missing log") << "e.log" << "" << cannot << "e.CSV";
         QTest::newRow("no end mark") << "f.log" << "no end" << no_end << "f.CSV";
-        QTest::newRow("a folder named like a log") << "h.log" << "folder" << cannot << "h.CSV";
         QTest::newRow("a folder where the target goes") << "i.log" << "good, folder target" << cannot << "i.CSV";
     }
     void files() {
@@ -114,7 +97,6 @@ private slots:
         if (content.startsWith("good")) QVERIFY(write_text_file(file, log));
         if (content.endsWith("folder target")) QVERIFY(QDir(dir.path()).mkdir(target));
         if (content == "no end") QVERIFY(write_text_file(file, log.substr(0, log.find("END OF DATA"))));
-        if (content == "folder") QVERIFY(QDir().mkdir(QString::fromStdString(file)));
 
         // Blanks around the name stand around the whole path.
         const std::string given = name.startsWith(' ') ? "  " + file + "  " : file;
@@ -128,6 +110,38 @@ private slots:
             QVERIFY(!written);
     }
 
+    // kyt-tool csv: a line for each log, and the exit code of the worst.
+    void tool_data() {
+        QTest::addColumn<QStringList>("logs");
+        QTest::addColumn<int>("exit_code");
+        QTest::addColumn<QStringList>("messages");
+        QTest::newRow("one log") << QStringList{"good.log"} << 0 << QStringList{"Successful conversion"};
+        QTest::newRow("one of three fails")
+            << QStringList{"good.log", "cut.log", "good.LOG"} << 1
+            << QStringList{"Successful conversion",
+                           "Unsuccessful conversion, please try again or check the help screens for further assistance",
+                           "Invalid Extension - Please select a valid log file with a \".log\" extension"};
+        QTest::newRow("missing log") << QStringList{"none.log"} << 1 << QStringList{"Unable to open file"};
+        QTest::newRow("nothing to convert") << QStringList{} << 2 << QStringList{};
+    }
+    void tool() {
+        QFETCH(QStringList, logs);
+        QFETCH(int, exit_code);
+        QFETCH(QStringList, messages);
+        QTemporaryDir dir;
+        const std::string log = test_data("logs/single_rate.log");
+        for (const char* name : {"good.log", "good.LOG"}) QVERIFY(write_text_file(dir.filePath(name).toStdString(), log));
+        QVERIFY(write_text_file(dir.filePath("cut.log").toStdString(), log.substr(0, log.size() / 2)));
+        QStringList paths;
+        for (const QString& l : logs) paths << dir.filePath(l);
+        const ToolRun r = run_kyt_tool(QStringList{"csv"} + paths);
+        QCOMPARE(r.exit_code, exit_code);
+        QMap<QString, QString> expected;
+        for (int i = 0; i < messages.size(); ++i) expected.insert(paths[i], messages[i]);
+        QCOMPARE(r.values, expected);
+        if (logs.contains("good.log"))
+            QCOMPARE(read_text_file(dir.filePath("good.CSV").toStdString()).value_or(""), test_data("reports/single_rate.CSV"));
+    }
 };
 
 QTEST_APPLESS_MAIN(tst_csv)

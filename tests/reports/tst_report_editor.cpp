@@ -84,7 +84,7 @@ private slots:
     // What File, Open makes of a file; a file that is no report leaves the
     // editor usable and nothing written.
     void open_data() {
-        QTest::addColumn<QString>("file");     // written into the folder; see the special names below
+        QTest::addColumn<QString>("file");     // written into the folder; blanks: no file
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QStringList>("boxes");
         QTest::addColumn<QString>("shown");    // the box's text afterwards
@@ -95,15 +95,7 @@ private slots:
             << "a.dat" << QByteArray("CATALOG\nlast") << QStringList{} << "CATALOG\nlast\n" << true;
         QTest::newRow("not a report") << "a.txt" << QByteArray("hello\r\n") << QStringList{not_report} << ""
                                       << false;
-        QTest::newRow("empty file") << "e.log" << QByteArray() << QStringList{not_report} << "" << false;
-        QByteArray binary;
-        for (int i = 0; i < 4096; ++i) binary += char(i * 7 % 256 == 'L' ? 0 : i * 7 % 256);
-        QTest::newRow("binary file") << "b.log" << binary << QStringList{not_report} << "" << false;
         QTest::newRow("a name of blanks") << "   " << QByteArray() << QStringList{"CancelOpen"} << "" << false;
-        QTest::newRow("dialog given up") << "" << QByteArray() << QStringList{"CancelOpen"} << "" << false;
-        QTest::newRow("a folder") << "@folder" << QByteArray() << QStringList{"Bad file name entered"} << ""
-                                  << false;
-        QTest::newRow("50 MB") << "@huge" << QByteArray() << QStringList{"The file "} << "" << false;
     }
     void open() {
         QFETCH(QString, file);
@@ -112,14 +104,7 @@ private slots:
         QFETCH(QString, shown);
         QFETCH(bool, editable);
         Editor e;
-        QString name = file.trimmed().isEmpty() ? file : e.path(file);
-        if (file == "@folder") QDir(e.work.path()).mkdir("@folder");
-        if (file == "@huge") {
-            QFile huge(name);
-            QVERIFY(huge.open(QIODevice::WriteOnly) && huge.write("LOG\r\n") && huge.resize(50 << 20));
-        } else if (!file.startsWith('@') && !file.trimmed().isEmpty()) {
-            e.write(file, bytes.toStdString());
-        }
+        const QString name = file.trimmed().isEmpty() ? file : e.write(file, bytes.toStdString());
         const QStringList before = QDir(e.work.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries);
         e.t.boxes->expect(boxes.size());
         e.open(name);
@@ -161,9 +146,8 @@ private slots:
         QCOMPARE(QGuiApplication::clipboard()->text(), clipboard);
     }
 
-    // Save And Exit and Save As store the text as edited; Save on a
-    // received report stores what was received; Quit stores nothing; a
-    // folder gone keeps the text in the editor.
+    // Save And Exit and Save As store the text as edited; Quit stores
+    // nothing; a folder gone keeps the text in the editor.
     void saving_data() {
         QTest::addColumn<QString>("way");
         QTest::addColumn<QStringList>("boxes");
@@ -171,7 +155,6 @@ private slots:
         QTest::newRow("Save And Exit") << "mnuClose" << QStringList{} << "edited";
         QTest::newRow("Quit - no save") << "mnuQuit" << QStringList{} << "original";
         QTest::newRow("Save As") << "save_as" << QStringList{} << "original";
-        QTest::newRow("Save after a download") << "cmdSave" << QStringList{} << "original";
         QTest::newRow("Save And Exit, folder gone")
             << "gone" << QStringList{"The report could not be saved as "} << "";
     }
@@ -183,28 +166,19 @@ private slots:
         const std::string original = test_data("logs/single_rate.log");
         QDir(e.work.path()).mkdir("out");
         const QString target = e.path("out/r.log");
-        if (way == "cmdSave") {
-            // The transfer as received, and the box edited afterwards.
-            e.write("tempfile.dat", original);
-            shared().dirs.log_file = ss(target);
-            e.form->prepare_capture(CaptureSetup{true, '2', ReportRec{}});
-            e.box()->setPlainText("edited");
-            e.form->cmdSave_Click();
+        e.open(e.write("out/r.log", original));
+        QTextCursor c = e.box()->textCursor();
+        c.movePosition(QTextCursor::Start);
+        c.insertText("Checked ");
+        if (way == "gone") QDir(e.path("out")).removeRecursively();
+        e.t.boxes->expect(boxes.size());
+        if (way == "save_as") {
+            shared().run.summary_header_open = true;  // a download has opened a report with a header
+            e.t.dialogs->queue(ss(e.path("out/new.log")));
+            e.form->save_as();
+            QCOMPARE(read_text_file(ss(e.path("out/new.log"))).value_or("(none)"), "Checked " + original);
         } else {
-            e.open(e.write("out/r.log", original));
-            QTextCursor c = e.box()->textCursor();
-            c.movePosition(QTextCursor::Start);
-            c.insertText("Checked ");
-            if (way == "gone") QDir(e.path("out")).removeRecursively();
-            e.t.boxes->expect(boxes.size());
-            if (way == "save_as") {
-                shared().run.summary_header_open = true;  // a download has opened a report with a header
-                e.t.dialogs->queue(ss(e.path("out/new.log")));
-                e.form->save_as();
-                QCOMPARE(read_text_file(ss(e.path("out/new.log"))).value_or("(none)"), "Checked " + original);
-            } else {
-                e.menu(qPrintable(way == "gone" ? "mnuClose" : way));
-            }
+            e.menu(qPrintable(way == "gone" ? "mnuClose" : way));
         }
         test::flush_deletes();
         QCOMPARE(e.boxes().size(), boxes.size());

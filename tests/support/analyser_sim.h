@@ -24,11 +24,12 @@ public:
         while (!process.canReadLine() && t.elapsed() < 5000) process.waitForReadyRead(100);
         device = QString::fromLocal8Bit(process.readLine()).trimmed();
     }
-    ~Sim() {
-        if (process.state() != QProcess::NotRunning) {
-            process.terminate();
-            process.waitForFinished(3000);
-        }
+    ~Sim() { stop(); }
+    // Ends the simulator, as an analyser unplugged from the line.
+    void stop() {
+        if (process.state() == QProcess::NotRunning) return;
+        process.terminate();
+        process.waitForFinished(3000);
     }
     bool ready() const { return !device.isEmpty() && QFileInfo(link).symLinkTarget() == device; }
 

@@ -12,10 +12,12 @@
 
 #include "acquisition/frmHeader.h"
 #include "app/frmMain.h"
+#include "common/file_text.h"
 #include "common/forms.h"
 #include "common/qt_text.h"
 #include "link/qt_serial_line.h"
 #include "support/analyser_sim.h"
+#include "support/form_script.h"
 #include "support/test_services.h"
 
 namespace kyt::test {
@@ -25,23 +27,46 @@ struct Console {
     QTemporaryDir work;
 };
 
-// The console on a real line to the simulator behind Comm 1, saving into a
-// folder of its own.
-inline void start_console(Console& c, const Sim& sim) {
+// The console on a real line to the simulator behind Comm `comm` (the other
+// Comm numbers on devices that do not exist), saving into a folder of its
+// own. Comm 2 is left unchosen in the settings: it is the console's default.
+inline void start_console(Console& c, const QString& link, int comm = 1) {
     c.t = install_test_services();
-    c.t.settings->save_setting("kyt", "Ports", "comm1", ss(sim.link));
-    for (const char* key : {"comm2", "comm3", "comm4"})
-        c.t.settings->save_setting("kyt", "Ports", key, "/nonexistent/kyt-port");
-    c.t.settings->save_setting("kyt", "Startup", "comm", "1");
+    for (int n = 1; n <= 4; ++n)
+        c.t.settings->save_setting("kyt", "Ports", "comm" + std::to_string(n),
+                                   n == comm ? ss(link) : "/nonexistent/kyt-port");
+    if (comm != 2) c.t.settings->save_setting("kyt", "Startup", "comm", std::to_string(comm));
     c.t.settings->save_setting("kyt", "Startup", "savedir", ss(c.work.path()));
     services().serial = std::make_unique<QtSerialLine>(*c.t.settings);
     forms::get<frmMain>();
 }
+inline void start_console(Console& c, const Sim& sim, int comm = 1) { start_console(c, sim.link, comm); }
+
+// The forms of a run unloaded, the main window last, and the line closed, so
+// that the next test starts on a console of its own.
+inline void close_console() {
+    for (const char* name : {"frmTrumpetGraph", "frmGraph", "frmOTGraph", "frmRTGraph", "frmSummary", "frmReports",
+                             "frmTestPort", "frmDownload", "frmMain"})
+        forms::unload(name);
+    flush_deletes();
+    services().serial.reset();
+}
+
+// The console on a simulator started with the given arguments.
+struct SimConsole : Console {
+    Sim sim;
+    explicit SimConsole(const QStringList& sim_args, int comm = 1) : sim(sim_args) {
+        if (sim.ready()) start_console(*this, sim, comm);
+    }
+};
 
 template <class W>
 W* child(QWidget* form, const char* name) {
     return form->findChild<W*>(name);
 }
+
+// What a file holds; empty when it cannot be read.
+inline std::string text_of(const QString& path) { return read_text_file(ss(path)).value_or(""); }
 
 // Fills the modal header once it is up (the set rate too, which a
 // single-rate test needs) and goes on.
@@ -50,7 +75,7 @@ inline void fill_header_when_shown() {
         frmHeader* h = forms::loaded<frmHeader>();
         QVERIFY(h);
         child<QComboBox>(h, "cmbHdr_0")->setEditText("Acme Pumps");
-        child<QComboBox>(h, "cmbHdr_3")->setEditText("Volumat X");
+        child<QComboBox>(h, "cmbHdr_3")->setEditText("Model X");
         child<QLineEdit>(h, "txtSerialNo")->setText("SN-1");
         child<QComboBox>(h, "cmbHdr_2")->setEditText("J. Doe");
         child<QComboBox>(h, "cmbHdr_4")->setEditText("100");

@@ -1,6 +1,6 @@
 #pragma once
-// A serial line in memory, for tests.
 
+#include <algorithm>
 #include <deque>
 #include <set>
 #include <string>
@@ -11,24 +11,50 @@
 
 namespace kyt {
 
-// A line in memory for tests: ports listed in `failing` cannot open, what is
-// sent collects in `sent`, and `feed` makes text wait in the input. Every
-// operation is noted in `ops` so that tests can check their order.
+// A line in memory for tests: ports listed in `failing` cannot open, each
+// command sent is kept in `commands`, and `feed` makes text wait in the input.
+// Every operation is noted in `ops` so that tests can check their order.
 class FakeSerialLine final : public SerialLine {
 public:
-    void set_port_number(int n) override;
+    void set_port_number(int n) override {
+        port_ = n;
+        ops.push_back("port " + std::to_string(n));
+    }
     int port_number() const override { return port_; }
-    void set_settings(std::string_view settings) override;
-    void set_port_open(bool open) override;
+    void set_settings(std::string_view s) override { ops.push_back("settings " + std::string(s)); }
+    void set_port_open(bool open) override {
+        ops.push_back(open ? "open" : "close");
+        if (open && failing.count(port_)) throw SerialError("Port " + std::to_string(port_) + " cannot be opened");
+        open_ = open;
+    }
     bool port_open() const override { return open_; }
-    void set_rts_enable(bool on) override;
+    void set_rts_enable(bool) override { ops.push_back("rts"); }
     int in_buffer_count() override { return static_cast<int>(pending_.size()); }
-    void clear_input() override;
-    void clear_output() override;
-    void set_rthreshold(int n) override;
-    void set_input_len(int n) override;
-    void output(std::string_view text) override;
-    std::string input() override;
+    void clear_input() override {
+        pending_.clear();
+        ops.push_back("clear input");
+    }
+    void clear_output() override { ops.push_back("clear output"); }
+    void set_rthreshold(int n) override { ops.push_back("rthreshold " + std::to_string(n)); }
+    void set_input_len(int n) override {
+        input_len = n;
+        ops.push_back("input length " + std::to_string(n));
+    }
+    void output(std::string_view text) override {
+        if (!open_) throw SerialError("The serial port is not open.");
+        commands.emplace_back(text);
+        ops.push_back("output " + std::string(text));
+        if (!replies_.empty()) {
+            pending_ += replies_.front();
+            replies_.pop_front();
+        }
+    }
+    std::string input() override {
+        const std::size_t n = input_len > 0 ? std::min<std::size_t>(input_len, pending_.size()) : pending_.size();
+        std::string r = pending_.substr(0, n);
+        pending_.erase(0, n);
+        return r;
+    }
     std::string device_name(int port) const override { return "fake" + std::to_string(port); }
 
     void feed(std::string_view text) { pending_ += text; }
@@ -36,13 +62,9 @@ public:
     void reply_next(std::string_view text) { replies_.emplace_back(text); }
 
     std::set<int> failing;
-    std::string sent;
     std::vector<std::string> commands;
     std::vector<std::string> ops;
-    std::string settings;
     int input_len = 0;
-    int rthreshold = 0;
-    bool rts = false;
 
 private:
     int port_ = 1;

@@ -17,7 +17,6 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QTimer>
 
 #include <functional>
 #include <string>
@@ -43,9 +42,7 @@ inline bool show_active(QWidget* form) {
     return ok;
 }
 
-inline void flush_deletes() {
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
+inline void flush_deletes() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
 
 // A new instance of the form, shown and active.
 template <class F>
@@ -86,6 +83,8 @@ inline void expect_box(const ScriptedMessageBoxes::Box& box, const std::string& 
 }
 
 inline void run_script(QWidget* form, const QStringList& steps) {
+    static const QHash<QString, Qt::Key> keys{
+        {"enter", Qt::Key_Return}, {"tab", Qt::Key_Tab}, {"backspace", Qt::Key_Backspace}, {"left", Qt::Key_Left}};
     for (const QString& step : steps) {
         const QString verb = step.section(':', 0, 0);
         const QString arg = step.section(':', 1);
@@ -97,17 +96,11 @@ inline void run_script(QWidget* form, const QStringList& steps) {
         } else if (verb == "type") {
             QVERIFY(focus);
             QTest::keyClicks(focus, arg);
-        } else if (verb == "enter") {
-            QTest::keyClick(focus, Qt::Key_Return);
-        } else if (verb == "tab") {
-            QTest::keyClick(focus, Qt::Key_Tab);
-        } else if (verb == "backspace") {
-            QTest::keyClick(focus, Qt::Key_Backspace);
+        } else if (keys.contains(verb)) {
+            QTest::keyClick(focus, keys.value(verb));
         } else if (verb == "erase") {
             QTest::keyClick(focus, Qt::Key_A, Qt::ControlModifier);
             QTest::keyClick(focus, Qt::Key_Backspace);
-        } else if (verb == "left") {
-            QTest::keyClick(focus, Qt::Key_Left);
         } else if (verb == "pick") {
             auto* box = qobject_cast<QComboBox*>(focus);
             QVERIFY(box);

@@ -7,22 +7,34 @@
 #include <tuple>
 
 #include "app/settings/settings_store.h"
+#include "common/text.h"
 
 namespace kyt {
 
 class MemorySettingsStore final : public SettingsStore {
 public:
     std::string get_setting(std::string_view app, std::string_view section, std::string_view key,
-                            std::string_view default_value = {}) override;
+                            std::string_view default_value = {}) override {
+        const auto it = values_.find(make_key(app, section, key));
+        return it == values_.end() ? std::string(default_value) : it->second;
+    }
     void save_setting(std::string_view app, std::string_view section, std::string_view key,
-                      std::string_view value) override;
-    void delete_setting(std::string_view app, std::string_view section, std::string_view key) override;
-    bool contains(std::string_view app, std::string_view section, std::string_view key) const;
-    std::size_t size() const { return values_.size(); }
+                      std::string_view value) override {
+        values_[make_key(app, section, key)] = std::string(value);
+    }
+    void delete_setting(std::string_view app, std::string_view section, std::string_view key) override {
+        values_.erase(make_key(app, section, key));
+    }
+    bool contains(std::string_view app, std::string_view section, std::string_view key) const {
+        return values_.count(make_key(app, section, key)) != 0;
+    }
 
 private:
+    // Names are found without regard to case, as in the settings file.
     using Key = std::tuple<std::string, std::string, std::string>;
-    static Key make_key(std::string_view app, std::string_view section, std::string_view key);
+    static Key make_key(std::string_view app, std::string_view section, std::string_view key) {
+        return {upper(app), upper(section), upper(key)};
+    }
     std::map<Key, std::string> values_;
 };
 

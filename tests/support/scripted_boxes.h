@@ -6,6 +6,8 @@
 // unseen. A test that does not care how many boxes come may say so
 // (allow_any), and then boxes without a scripted answer get their default.
 
+#include <QTest>
+
 #include <cstddef>
 #include <deque>
 #include <string>
@@ -22,7 +24,18 @@ public:
         int style;
         std::string title;
     };
-    int show(const std::string& text, int style, const std::string& title) override;
+    int show(const std::string& text, int style, const std::string& title) override {
+        shown.push_back({text, style, title});
+        if (answers_.empty()) {
+            if (strict_)
+                QTest::qFail(("A message box the test did not expect: \"" + title + "\": \"" + text + "\"").c_str(),
+                             __FILE__, __LINE__);
+            return box_default_answer(style);
+        }
+        const int a = answers_.front();
+        answers_.pop_front();
+        return a == default_answer ? box_default_answer(style) : a;
+    }
 
     // The next box is expected; it is answered with a.
     void answer(int a) { answers_.push_back(a); }

@@ -27,7 +27,17 @@ public:
     bool fail_next = false;
 
 private:
-    std::string answer(const CommonDialog& d, bool save);
+    std::string answer(const CommonDialog& d, bool save) {
+        requests.push_back({d, save});
+        if (fail_next) {
+            fail_next = false;
+            throw FileDialogError("The file dialog could not be shown.");
+        }
+        if (names_.empty()) return {};
+        std::string n = std::move(names_.front());
+        names_.pop_front();
+        return n;
+    }
     std::deque<std::string> names_;
 };
 

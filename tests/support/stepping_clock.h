@@ -15,7 +15,6 @@ public:
         ++readings_;
         return t;
     }
-    void set(float now) { now_ = now; }
     long readings() const { return readings_; }
 
 private:

@@ -35,19 +35,14 @@ inline QString fresh_settings_folder() {
 
 inline TestServices install_test_services(bool fresh_store = true) {
     Services& s = services();
-    // The old store writes what it holds before the folder is emptied.
-    s.settings.reset();
-    auto settings = std::make_unique<IniSettingsStore>(fresh_store ? fresh_settings_folder() : QString());
-    auto serial = std::make_unique<FakeSerialLine>();
-    auto boxes = std::make_unique<ScriptedMessageBoxes>();
-    auto dialogs = std::make_unique<ScriptedFileDialogs>();
-    auto clock = std::make_unique<SteppingClock>();
-    TestServices t{settings.get(), serial.get(), boxes.get(), dialogs.get(), clock.get()};
-    s.settings = std::move(settings);
-    s.serial = std::move(serial);
-    s.boxes = std::move(boxes);
-    s.dialogs = std::move(dialogs);
-    s.clock = std::move(clock);
+    s.settings.reset();  // the old store writes what it holds before the folder is emptied
+    TestServices t{new IniSettingsStore(fresh_store ? fresh_settings_folder() : QString()), new FakeSerialLine,
+                   new ScriptedMessageBoxes, new ScriptedFileDialogs, new SteppingClock};
+    s.settings.reset(t.settings);
+    s.serial.reset(t.serial);
+    s.boxes.reset(t.boxes);
+    s.dialogs.reset(t.dialogs);
+    s.clock.reset(t.clock);
     shared() = SharedState{};
     return t;
 }

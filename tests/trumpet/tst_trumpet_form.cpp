@@ -7,13 +7,14 @@
 #include <QAction>
 #include <QComboBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QTemporaryDir>
 
+#include <cmath>
+
 #include "common/chart.h"
 #include "common/forms.h"
-#include "common/numbers.h"
+#include "common/qt_text.h"
 #include "common/shared_state.h"
 #include "graph/frmGraph.h"
 #include "graph/log_reader.h"
@@ -66,10 +67,10 @@ frmTrumpetGraph* open_trumpet(frmGraph* g, const QStringList& settings) {
     return forms::loaded<frmTrumpetGraph>();
 }
 
-// The log graph on show with a stored log, or with a series made here.
-frmGraph* log_graph(test::TestServices& t, const QString& file) {
+// The log graph on show with the 130-minute log.
+frmGraph* log_graph(test::TestServices& t) {
     frmGraph* g = test::open_fresh<frmGraph>();
-    t.dialogs->queue(graph_log(file).toStdString());
+    t.dialogs->queue(graph_log("single_rate_130min.log").toStdString());
     g->findChild<QAction*>("mnuOpen")->trigger();
     return g;
 }
@@ -84,10 +85,9 @@ void table_agrees_with_core(frmTrumpetGraph* f) {
     const TrumpetSummaryTexts s = trumpet_summary_texts(r, graph_series().base_rate, t.trumpet_start_time,
                                                         t.trumpet_end_time);
     for (int i = 0; i < 5; ++i) {
-        QCOMPARE(label(f, QString("lblMaxErrorP_%1").arg(i)).toStdString(), s.max_error_percent[i]);
-        QCOMPARE(label(f, QString("lblMaxErrorR_%1").arg(i)).toStdString(), s.max_error_rate[i]);
-        QCOMPARE(label(f, QString("lblMinErrorP_%1").arg(i)).toStdString(), s.min_error_percent[i]);
-        QCOMPARE(label(f, QString("lblMinErrorR_%1").arg(i)).toStdString(), s.min_error_rate[i]);
+        const auto cell = [&](const char* name) { return label(f, QString(name).arg(i)); };
+        QCOMPARE(QStringList({cell("lblMaxErrorP_%1"), cell("lblMaxErrorR_%1"), cell("lblMinErrorP_%1"), cell("lblMinErrorR_%1")}).join(' '),
+                 qs(s.max_error_percent[i] + ' ' + s.max_error_rate[i] + ' ' + s.min_error_percent[i] + ' ' + s.min_error_rate[i]));
     }
 }
 
@@ -117,33 +117,19 @@ private slots:
         QTest::addColumn<QString>("lengths");
         QTest::addColumn<QString>("starts");  // "-" after the entries: the list is disabled
         QTest::addColumn<QString>("period");  // lblAnalysisPeriod; empty: the trumpet did not open
-        QStringList starts_600, lengths_600;
-        for (int m = 0; m <= 510; m += 30) starts_600 << QString::number(m);
-        for (int m = 60; m <= 540; m += 60) lengths_600 << QString::number(m);
+        const QString lengths_600 = "60 120 180 240 300 360 420 480 540 All";
+        const QString starts_600 = "0 30 60 90 120 150 180 210 240 270 300 330 360 390 420 450 480 510";
         const QStringList ok{"click:CmdOK"};
-        QTest::newRow("600 minutes") << 600.0 << ok << lengths_600.join(' ') + " All" << starts_600.join(' ')
-                                     << "Analysis Period:  60 min  -  From 60 to 120 min";
-        QTest::newRow("600 minutes, a later start") << 600.0 << QStringList{"focus:StartTime", "pick:5"} + ok
-                                                    << lengths_600.join(' ') + " All" << starts_600.join(' ')
-                                                    << "Analysis Period:  60 min  -  From 150 to 210 min";
-        QTest::newRow("600 minutes, 540 leave two starts")
-            << 600.0 << QStringList{"focus:DataInt", "pick:8"} + ok << lengths_600.join(' ') + " All" << "0 30"
-            << "Analysis Period:  540 min  -  From 30 to 570 min";
-        QTest::newRow("exactly 60 minutes") << 60.0 << ok << "All" << "0"
-                                            << "Analysis Period:  60 min  -  From 0 to 60 min";
-        QTest::newRow("80 minutes open on the one start") << 80.0 << ok << "60 All" << "0"
-                                                          << "Analysis Period:  60 min  -  From 0 to 60 min";
-        QTest::newRow("100 minutes open on minute 30") << 100.0 << ok << "60 All" << "0 30"
-                                                       << "Analysis Period:  60 min  -  From 30 to 90 min";
+        QTest::newRow("600 minutes, a later start") << 600.0 << QStringList{"focus:StartTime", "pick:5"} + ok << lengths_600
+                                                    << starts_600 << "60 min  -  From 150 to 210 min";
+        QTest::newRow("600 minutes, 540 leave two starts") << 600.0 << QStringList{"focus:DataInt", "pick:8"} + ok
+                                                           << lengths_600 << "0 30" << "540 min  -  From 30 to 570 min";
         QTest::newRow("75.6, All: 76") << 75.6 << QStringList{"focus:DataInt", "pick:1"} + ok << "60 All" << "0 -"
-                                       << "Analysis Period:  76 min  -  From 0 to 76 min";
-        QTest::newRow("76.6, All: 76") << 76.6 << QStringList{"focus:DataInt", "pick:1"} + ok << "60 All" << "0 -"
-                                       << "Analysis Period:  76 min  -  From 0 to 76 min";
+                                       << "76 min  -  From 0 to 76 min";
         QTest::newRow("Default above 120") << 130.0 << QStringList{"focus:DataInt", "pick:2", "click:Default"} + ok
-                                           << "60 120 All" << "0 30 60"
-                                           << "Analysis Period:  60 min  -  From 60 to 120 min";
+                                           << "60 120 All" << "0 30 60" << "60 min  -  From 60 to 120 min";
         QTest::newRow("no Default at 120") << 120.0 << QStringList{"focus:DataInt", "pick:1", "click:Default"} + ok
-                                           << "60 All" << "0 -" << "Analysis Period:  120 min  -  From 0 to 120 min";
+                                           << "60 All" << "0 -" << "120 min  -  From 0 to 120 min";
         QTest::newRow("under an hour: refused") << 59.99 << QStringList{} << "" << "" << "";
         QTest::newRow("cancelled at the first opening") << 130.0 << QStringList{"click:CmdCancel"} << "60 120 All"
                                                         << "0 30 60" << "";
@@ -178,7 +164,7 @@ private slots:
             test::expect_box(t.boxes->shown.at(0), "Insufficient data for Trumpet Graph", box_exclamation,
                              "Data Error");
         if (!f) return;
-        QCOMPARE(label(f, "lblAnalysisPeriod"), period);
+        QCOMPARE(label(f, "lblAnalysisPeriod"), "Analysis Period:  " + period);
         table_agrees_with_core(f);
     }
 
@@ -189,21 +175,16 @@ private slots:
         QTest::addColumn<QString>("period");
         QTest::addColumn<double>("interval");
         QTest::addColumn<double>("axis");  // the top of the error axis
-        QTest::newRow("first opening") << QStringList{} << "Analysis Period:  60 min  -  From 60 to 120 min" << 60.0
-                                       << 15.0;
-        QTest::newRow("Scale") << QStringList{"cmdScale"} << "Analysis Period:  60 min  -  From 60 to 120 min"
-                               << 60.0 << 30.0;
-        QTest::newRow("Scale three times") << QStringList{"cmdScale", "cmdScale", "cmdScale"}
-                                           << "Analysis Period:  60 min  -  From 60 to 120 min" << 60.0 << 60.0;
-        QTest::newRow("Scale four times: back to 15") << QStringList(4, "cmdScale")
-                                                      << "Analysis Period:  60 min  -  From 60 to 120 min" << 60.0
-                                                      << 15.0;
+        QTest::newRow("first opening") << QStringList{} << "60 min  -  From 60 to 120 min" << 60.0 << 15.0;
+        QTest::newRow("Scale three times") << QStringList(3, "cmdScale") << "60 min  -  From 60 to 120 min" << 60.0 << 60.0;
+        QTest::newRow("Scale four times: back to 15") << QStringList(4, "cmdScale") << "60 min  -  From 60 to 120 min"
+                                                      << 60.0 << 15.0;
         QTest::newRow("New Data: all at 30 s, scale kept")
             << QStringList{"cmdScale", "GetNewData|press:Option1|focus:DataInt|pick:2|click:CmdOK"}
-            << "Analysis Period:  130 min  -  From 0 to 130 min" << 30.0 << 30.0;
+            << "130 min  -  From 0 to 130 min" << 30.0 << 30.0;
         QTest::newRow("Cancel after New Data keeps the analysis, not the interval")
             << QStringList{"GetNewData|press:Option1|focus:DataInt|pick:2|click:CmdCancel"}
-            << "Analysis Period:  60 min  -  From 60 to 120 min" << 30.0 << 15.0;
+            << "60 min  -  From 60 to 120 min" << 30.0 << 15.0;
     }
     void activations() {
         QFETCH(QStringList, presses);
@@ -211,7 +192,7 @@ private slots:
         QFETCH(double, interval);
         QFETCH(double, axis);
         auto t = test::install_test_services();
-        frmGraph* g = log_graph(t, "single_rate_130min.log");
+        frmGraph* g = log_graph(t);
         frmTrumpetGraph* f = open_trumpet(g, {"click:CmdOK"});
         QVERIFY(f);
         QCOMPARE(f->windowTitle(), "TRUMPET GRAPH - [" + graph_log("single_rate_130min.log").toLower() + " ]");
@@ -222,7 +203,7 @@ private slots:
             f->findChild<QPushButton*>(dialog.first())->click();
             test::serve_events();
         }
-        QCOMPARE(label(f, "lblAnalysisPeriod"), period);
+        QCOMPARE(label(f, "lblAnalysisPeriod"), "Analysis Period:  " + period);
         QCOMPARE(shared().trumpet.interpolation_interval, interval);
         const Chart& chart = *f->findChild<Chart*>("TGraph");
         QCOMPARE(chart.range(ChartAxis::left), (AxisRange{-axis, axis}));
@@ -231,10 +212,7 @@ private slots:
         table_agrees_with_core(f);
         if (presses.isEmpty()) {
             // The figures of this log at its defaults, worked out apart.
-            QCOMPARE(label(f, "lblMaxErrorP_0"), QString("5.09"));
-            QCOMPARE(label(f, "lblMinErrorR_0"), QString("-5.10"));
-            QCOMPARE(label(f, "lblAvgError"), QString("% Error:  0.051"));
-            QCOMPARE(label(f, "lblAvgRate"), QString("Avg Rate:  99.05 ml/hr"));
+            QCOMPARE(label(f, "lblAvgError") + " " + label(f, "lblAvgRate"), QString("% Error:  0.051 Avg Rate:  99.05 ml/hr"));
         }
         QVERIFY(!g->isVisible());
     }
@@ -246,10 +224,7 @@ private slots:
         QTest::addColumn<QString>("box");
         QTest::addColumn<QString>("rate");
         QTest::newRow("a rate") << "120" << "" << "120";
-        QTest::newRow("negative") << "-50" << "" << "-50";
-        QTest::newRow("empty") << "" << "Non-numeric value" << "99";
         QTest::newRow("not a number") << "fast" << "Non-numeric value" << "99";
-        QTest::newRow("beyond a double") << "1e999" << "Non-numeric value" << "99";
         QTest::newRow("zero") << "0" << "Zero value not possible." << "99";
         QTest::newRow("so small the errors overflow")
             << "1e-300"
@@ -261,7 +236,7 @@ private slots:
         QFETCH(QString, box);
         QFETCH(QString, rate);
         auto t = test::install_test_services();
-        frmGraph* g = log_graph(t, "single_rate_130min.log");
+        frmGraph* g = log_graph(t);
         frmTrumpetGraph* f = open_trumpet(g, {"click:CmdOK"});
         t.boxes->expect(box.isEmpty() ? 0 : 1);
         test::enter_rate_when_shown(typed);
@@ -278,61 +253,16 @@ private slots:
         QVERIFY2(label(g, "lblSetRate").contains(rate), qPrintable(label(g, "lblSetRate")));
     }
 
-    // Every log length from 0 to 600 minutes in tenths: the dialog loads,
-    // each length entry is clicked, then its first and its last start, and
-    // what the dialog holds is what its lists show; the trumpet of it
-    // computes (a log of one record is refused by the core, never read past
-    // its end); OK confirms it.
-    void every_log_length() {
-        test::install_test_services();
-        int runs = 0;
-        for (int tenths = 0; tenths <= 6000; ++tenths) {
-            const double L = tenths / 10.0;
-            graph_series() = series_of(L);
-            auto* d = forms::get<frmTrumpSet>();
-            auto* lengths = d->findChild<QComboBox*>("DataInt");
-            auto* starts = d->findChild<QComboBox*>("StartTime");
-            const TrumpetState& s = shared().trumpet;
-            for (int entry = 0; entry < lengths->count(); ++entry) {
-                lengths->setCurrentIndex(entry);
-                // "All" is the whole log in whole minutes, rounded down or,
-                // from an odd minute, up from above a half.
-                const bool all = lengths->currentText() == "All";
-                QVERIFY(all ? s.calculation_length > L - 1 && s.calculation_length <= L + 0.5
-                            : s.calculation_length == lengths->currentText().toInt());
-                for (int start : {0, starts->count() - 1}) {
-                    starts->setCurrentIndex(start);
-                    QCOMPARE(int(s.trumpet_start_time), starts->currentText().toInt());
-                    QVERIFY(s.trumpet_start_time + s.calculation_length <= std::max(L, 60.0) + 0.5);
-                    const TrumpetResult r = kyt::graph_trumpet(
-                        graph_series(), {60, s.trumpet_start_time,
-                                         std::int16_t(s.trumpet_start_time + s.calculation_length)});
-                    QCOMPARE(r.ok(), L > 0);
-                    ++runs;
-                }
-            }
-            d->findChild<QPushButton*>("CmdOK")->click();
-            QVERIFY(s.trumpet_settings_ok);
-            QCOMPARE(int(s.trumpet_end_time), int(s.trumpet_start_time + s.calculation_length));
-            // Every event the dialog posted, and then the dialog, served now.
-            QCoreApplication::sendPostedEvents();
-            test::flush_deletes();
-        }
-        QVERIFY(runs > 6001 * 2);
-    }
-
     // The printed page: its text lines rebuilt column by column from the PDF,
     // the warning where the points are too few, and the chart's box four
     // inches from the top whether or not the warning is printed.
     void printed_page_data() {
         QTest::addColumn<bool>("minute_records");  // a made log of a record a minute, at 30 s
-        QTest::addColumn<QStringList>("lines");    // from the first figure to the minimum line
+        QTest::addColumn<QStringList>("lines");    // lines of the page in a row, from the first given
         const QString log = graph_log("single_rate_130min.log").toLower();
         QTest::newRow("the 130-minute log at its defaults")
             << false
-            << QStringList{"Base Rate:  99 ml/hr",
-                           "Average Rate:  99.05 ml/hr",
-                           "Average % Error:  0.051 %",
+            << QStringList{"Average % Error:  0.051 %",
                            "Analysis Period:  60 min -  From 60 to 120 min",
                            "Data Interpolation Interval: 60sec",
                            "File name:  " + log,
@@ -354,7 +284,7 @@ private slots:
         auto t = test::install_test_services();
         QTemporaryDir pdfs;
         services().printer = std::make_unique<test::PdfPrinter>(pdfs.path());
-        frmGraph* g = log_graph(t, "single_rate_130min.log");
+        frmGraph* g = log_graph(t);
         if (minute_records) {
             graph_series() = series_of(130, 1);
             g->graph_file_name = "MADE.log";
@@ -391,8 +321,6 @@ private slots:
         // The chart's own x-axis title stands near the foot of its box.
         const double axis_title = word("Period(minutes)").y_inches;
         QVERIFY2(axis_title > 7.5 && axis_title < 8.0, qPrintable(QString::number(axis_title)));
-        if (const QString keep = qEnvironmentVariable("KYT_KEEP_OUTPUT"); !keep.isEmpty())
-            QFile::copy(path, keep + "/trumpet-page-" + QTest::currentDataTag() + ".pdf");
     }
 
     // Save: the suffix decides the format; the trumpet's own texts for a
@@ -401,7 +329,6 @@ private slots:
         QTest::addColumn<QStringList>("names");  // the dialog's answers, in the work folder
         QTest::addColumn<QStringList>("boxes");
         QTest::addColumn<QByteArray>("magic");   // how the written file begins; empty: none written
-        QTest::newRow("bmp") << QStringList{"t.bmp"} << QStringList{} << QByteArray("BM");
         QTest::newRow("wmf") << QStringList{"t.WMF"} << QStringList{} << QByteArray("\xd7\xcd\xc6\x9a");
         QTest::newRow("jpg") << QStringList{"t.jpg"} << QStringList{} << QByteArray("\xff\xd8");
         QTest::newRow("gif") << QStringList{"t.gif"} << QStringList{} << QByteArray("GIF8");
@@ -421,7 +348,7 @@ private slots:
         QFETCH(QByteArray, magic);
         auto t = test::install_test_services();
         QTemporaryDir work;
-        frmTrumpetGraph* f = open_trumpet(log_graph(t, "single_rate_130min.log"), {"click:CmdOK"});
+        frmTrumpetGraph* f = open_trumpet(log_graph(t), {"click:CmdOK"});
         for (const QString& n : names) t.dialogs->queue(n.isEmpty() ? "" : work.filePath(n).toStdString());
         t.boxes->expect(boxes.size());
         f->findChild<QPushButton*>("cmdSave")->click();
@@ -440,8 +367,6 @@ private slots:
             QCOMPARE(test::run("identify", {"-format", "%w %h", file.fileName()}),
                      QString("%1 %2").arg(chart.width()).arg(chart.height()));
         }
-        if (const QString keep = qEnvironmentVariable("KYT_KEEP_OUTPUT"); !keep.isEmpty())
-            QFile::copy(file.fileName(), keep + "/trumpet-" + files.first());
     }
 };
 
