@@ -54,13 +54,17 @@ bool save_download(Console& c, char channel, const char* mode, const QString& ta
     return true;
 }
 
-// What a summary or a log with a header, saved to a file, holds.
+// What a summary or a log with a header, saved to a file, holds, less the
+// text of the line where the analyser dates the test: each call starts an
+// analyser of its own, and two started in different minutes date it apart.
 std::string saved_download(const char* mode, const QStringList& sim_args) {
     SimConsole c(sim_args);
     if (!c.sim.ready()) return "no simulator";
     const QString target = c.work.filePath("saved");
-    const std::string text = save_download(c, 'A', mode, target) ? text_of(target) : "no end";
+    std::string text = save_download(c, 'A', mode, target) ? text_of(target) : "no end";
     close_console();
+    if (const std::size_t date = text.find("Test Date:"); date != std::string::npos)
+        text.erase(date, text.find(CR, date) - date);
     return text;
 }
 
