@@ -1,5 +1,11 @@
 #include <QtTest>
 
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
@@ -9,6 +15,8 @@
 #include "common/qt_text.h"
 #include "link/frmChangePort.h"
 #include "link/global_comm.h"
+#include "link/qt_serial_line.h"
+#include "support/memory_settings_store.h"
 #include "support/test_services.h"
 
 using namespace kyt;
@@ -41,6 +49,30 @@ private slots:
         // With one character a read, a later piece replaces an earlier one.
         QCOMPARE(flush_comm_input(), std::string("c"));
         QCOMPARE(flush_comm_input(), std::string());
+    }
+
+    // Comm n without a [Ports] entry is /dev/ttyS<n-1>; a command is with the
+    // system when output() returns, since the console then busy-waits for the
+    // reply without running the event loop that would write it.
+    void qt_serial_line_names_and_writes() {
+        MemorySettingsStore store;
+        QtSerialLine line(store);
+        QCOMPARE(line.device_name(1), std::string("/dev/ttyS0"));
+        QCOMPARE(line.device_name(4), std::string("/dev/ttyS3"));
+        const int master = posix_openpt(O_RDWR | O_NOCTTY);
+        QVERIFY(master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0);
+        store.save_setting("kyt", "Ports", "comm2", ptsname(master));
+        line.set_port_number(2);
+        line.set_port_open(true);
+        line.output("RTA1\r");
+        pollfd p{master, POLLIN, 0};
+        char got[16] = {};
+        const bool waiting = poll(&p, 1, 0) == 1;
+        const auto n = waiting ? read(master, got, sizeof got) : 0;
+        line.set_port_open(false);
+        close(master);
+        QVERIFY(waiting);
+        QCOMPARE(std::string(got, std::size_t(n)), std::string("RTA1\r"));
     }
 
     void stop_sends_st_between_two_waits() {
