@@ -163,12 +163,14 @@ std::optional<std::int16_t> to_int16(double v) {
 }
 
 std::string format_picture(double v, std::string_view picture) {
-    if (!std::isfinite(v)) return general_number(v);
     const bool percent = !picture.empty() && picture.back() == '%';
     if (percent) {
         picture.remove_suffix(1);
         v *= 100.0;
     }
+    // Checked after the scaling: a percentage of a value near the top of a
+    // double is infinite.
+    if (!std::isfinite(v)) return general_number(v) + (percent ? "%" : "");
     const auto point = picture.find('.');
     const int int_zeros = static_cast<int>(point == std::string_view::npos ? picture.size() : point);
     const int decimals = point == std::string_view::npos ? 0 : static_cast<int>(picture.size() - point - 1);

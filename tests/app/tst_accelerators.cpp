@@ -1,7 +1,5 @@
-// Every "&" in a caption is the access key of its control: Alt and the
-// letter act on that control and on no other, on every form of the console.
-// And every control that takes the focus has a name that assistive
-// technology reads out.
+// On every form, Alt and a caption's access key act on that control, and
+// every control that takes the focus has a name assistive technology reads.
 
 #include <QtTest>
 
@@ -35,8 +33,7 @@ QChar access_key(const QString& caption) {
 
 Qt::Key key_of(QChar c) { return Qt::Key(c.unicode()); }
 
-// The form, loaded; the trumpet graph opens on its settings, which are
-// confirmed as they come.
+// The form, loaded; the trumpet graph's settings, which open first, confirmed.
 QWidget* load(const QString& form) {
     if (form == "frmMain") return forms::get<frmMain>();
     if (form == "frmTrumpetGraph")
@@ -53,14 +50,13 @@ private slots:
 
     void every_form_data() {
         QTest::addColumn<QString>("form");
-        QTest::addColumn<int>("keys");  // how many access keys the form shows
+        QTest::addColumn<int>("keys");  // how many access keys the form shows, menu entries too
         const std::pair<const char*, int> forms_and_keys[] = {
-            {"frmMain", 3},         {"frmChangePort", 2},   {"frmTestPort", 2},     {"frmSysAd", 0},
-            {"frmPassWord", 1},     {"frmChgPassword", 2},  {"frmHeader", 0},       {"frmDownload", 2},
-            {"frmReports", 4},      {"frmInProgress", 1},   {"frmFileExists", 3},   {"frmRTGraph", 0},
-            {"frmOTGraph", 0},      {"frmSummary", 1},      {"frmGraph", 3},        {"frmSetRate", 2},
-            {"frmTrumpSet", 0},     {"frmKYTHelp", 1},      {"frmKYTGHelp", 0},     {"frmKYTOverview", 0},
-            {"frmAbout", 0},        {"frmTrumpetGraph", 0}};
+            {"frmMain", 11}, {"frmChangePort", 2}, {"frmTestPort", 2}, {"frmSysAd", 0}, {"frmPassWord", 1},
+            {"frmChgPassword", 2}, {"frmHeader", 0}, {"frmDownload", 2}, {"frmReports", 14}, {"frmInProgress", 1},
+            {"frmFileExists", 3}, {"frmRTGraph", 0}, {"frmOTGraph", 0}, {"frmSummary", 1}, {"frmGraph", 12},
+            {"frmSetRate", 2}, {"frmTrumpSet", 0}, {"frmKYTHelp", 1}, {"frmKYTGHelp", 0}, {"frmKYTOverview", 0},
+            {"frmAbout", 0}, {"frmTrumpetGraph", 0}};
         for (const auto& [form, keys] : forms_and_keys) QTest::newRow(form) << QString(form) << keys;
     }
     void every_form() {
@@ -69,13 +65,12 @@ private slots:
         auto t = test::install_test_services();
         t.boxes->allow_any();
         QWidget* w = load(form);
-        QVERIFY(w);
-        QVERIFY(test::show_active(w));
+        QVERIFY(w && test::show_active(w));
 
         QStringList unnamed;
         for (QWidget* c : w->findChildren<QWidget*>()) {
-            if (c->focusPolicy() == Qt::NoFocus || !c->isVisibleTo(w) || c->isWindow()) continue;
-            if (c->focusProxy()) continue;  // its proxy is the control
+            // A control with a focus proxy is named by its proxy.
+            if (c->focusPolicy() == Qt::NoFocus || !c->isVisibleTo(w) || c->isWindow() || c->focusProxy()) continue;
             const QAccessibleInterface* a = QAccessible::queryAccessibleInterface(c);
             const QString name = a ? a->text(QAccessible::Name).trimmed() : QString();
             if (name.isEmpty()) unnamed << c->objectName() + " (" + c->metaObject()->className() + ")";
@@ -87,14 +82,12 @@ private slots:
             const QChar k = access_key(b->text());
             if (k.isNull() || !b->isVisible() || !b->isEnabled()) continue;
             ++found;
-            // The click itself is not wanted here, only that the key reaches it.
-            const QSignalBlocker quiet(b);
+            const QSignalBlocker quiet(b);  // only that the key reaches it, not the click
             QTest::keyClick(w, key_of(k), Qt::AltModifier);
             QVERIFY2(b->isDown(), qPrintable(b->objectName() + " does not answer Alt+" + k));
             QTest::qWait(150);
         }
-        // A plain-text label's key moves the focus to its buddy. (A rich-text
-        // label only underlines another control's key.)
+        // A plain-text label's key moves the focus to its buddy (a rich-text one only underlines another's key).
         for (QLabel* l : w->findChildren<QLabel*>()) {
             const QChar k = access_key(l->text());
             if (k.isNull() || !l->isVisible() || l->textFormat() == Qt::RichText) continue;
@@ -110,14 +103,11 @@ private slots:
                 ++found;
                 QTest::keyClick(w, key_of(k), Qt::AltModifier);
                 QTRY_COMPARE(QApplication::activePopupWidget(), static_cast<QWidget*>(top->menu()));
-                // Within the menu each entry's key is its own, save where two
-                // of the console's own captions share a letter ("&Clear All",
-                // "&Copy"): then the key moves from one to the next, without
-                // acting, so that each is reached and Enter chooses it.
+                // Where two entries share a key ("&Clear All", "&Copy") it moves between them without acting.
                 QMultiHash<QChar, QAction*> by_key;
                 for (QAction* a : top->menu()->actions()) {
                     const QChar ak = access_key(a->text());
-                    if (!ak.isNull()) by_key.insert(ak, a);
+                    if (!ak.isNull()) by_key.insert(ak, a), ++found;
                 }
                 for (const QChar ak : by_key.uniqueKeys()) {
                     const QList<QAction*> sharing = by_key.values(ak);
@@ -127,8 +117,7 @@ private slots:
                         QTest::keyClick(top->menu(), key_of(ak));
                         reached.insert(top->menu()->activeAction());
                     }
-                    QVERIFY2(reached == QSet<QAction*>(sharing.begin(), sharing.end()),
-                             qPrintable(top->menu()->objectName() + ": an entry sharing Alt+" + ak + " is not reached"));
+                    QVERIFY2(reached == QSet<QAction*>(sharing.begin(), sharing.end()), qPrintable(QString(ak)));
                 }
                 top->menu()->close();
                 QTRY_VERIFY(!QApplication::activePopupWidget());

@@ -1,6 +1,6 @@
-// Every place that reads a file, given the same bad files. A bad file is told
-// in the place's own words and nothing is written; a file whose line ends a
-// transfer changed, or whose name is outside ASCII, reads as the original.
+// Every place that reads a file, given the same bad files: a bad one is told
+// in the place's own words and nothing is written; changed line ends or a
+// name outside ASCII read as the original.
 
 #include <QtTest>
 
@@ -26,7 +26,7 @@ const QStringList kinds = {"empty", "binary", "cut mid-line", "LF line ends", "C
 const QString non_ascii = QString::fromUtf8("Pumpe-Prüfung-µ");
 const QString source_dir = qEnvironmentVariable("KYT_SOURCE_DIR");
 
-// A file's bytes; a relative path is taken from the source tree.
+// A file's bytes; a relative path from the source tree.
 QByteArray bytes_of(const QString& path) {
     QFile f(QDir(source_dir).filePath(path));
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
@@ -48,9 +48,11 @@ QStringList listing(const QString& folder) {
 
 void rows(const QStringList& messages) {
     QTest::addColumn<QString>("kind");
-    QTest::addColumn<QString>("message");  // what the user is told, "<file>" standing for the path; empty: taken
+    QTest::addColumn<QString>("message");  // told, "<file>" for the path; empty: taken
     for (int i = 0; i < kinds.size(); ++i) QTest::newRow(qPrintable(kinds[i])) << kinds[i] << messages[i];
 }
+
+void menu(QWidget* form, const char* action) { form->findChild<QAction*>(action)->trigger(); }
 
 // One row of a table: its bad file in a folder of its own.
 struct Row {
@@ -61,8 +63,7 @@ struct Row {
     QString path;
     QStringList before;  // the folder's listing once the file is made
 
-    // Makes the row's bad file out of `good` (CR LF line ends) as `name` in
-    // the work folder, "pump" in the name standing outside ASCII in those rows.
+    // The row's bad file made from `good` (CR LF line ends) as `name`, "pump" outside ASCII in those rows.
     void make(QString name, const QByteArray& good) {
         path = work.filePath(kind.startsWith("non-ASCII") ? name.replace("pump", non_ascii) : name);
         QDir().mkpath(QFileInfo(path).path());
@@ -83,17 +84,19 @@ struct Row {
         f.close();
         before = listing(work.path());
     }
-    // Runs `act` with the file unreadable in its row, and checks the boxes
-    // it shows: `boxes` times the row's message. A file dialog on the way
-    // answers with the file: the real one, as the operator picks it, for a
-    // name outside ASCII.
+    // A good file from the source tree opened first.
+    void open_first(QWidget* form, const QString& good) {
+        t.dialogs->queue(ss_file(source_dir + good));
+        menu(form, "mnuOpen");
+    }
+    // Runs `act` (the file unreadable in that row) and checks it shows the message `boxes` times.
+    // A file dialog answers with the file: the real dialog, typed into, for a name outside ASCII.
     void run(const std::function<void()>& act, int boxes = 1) {
         const test::NoReadPermission guard(kind == "unreadable" ? ss_file(path) : "");
         QTimer poll;
         QObject::connect(&poll, &QTimer::timeout, [&] {
             auto* d = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
             if (!d) return;
-            // The name typed whole into the name box, then Open.
             d->findChild<QLineEdit*>("fileNameEdit")->setText(path);
             QMetaObject::invokeMethod(d, "accept", Qt::DirectConnection);
         });
@@ -141,7 +144,6 @@ private slots:
         test::flush_deletes();
     }
 
-    // The report editor's File, Open.
     void editor_open_data() {
         rows({not_report, not_report, "", "", "",
               "The file <file> is too large to be a report (100 MB); the editor takes reports up to 16 MB.",
@@ -153,7 +155,7 @@ private slots:
         form->show_as_editor();
         const QByteArray good = bytes_of("tests/data/logs/single_rate.log");
         r.make("pump.log", good);
-        r.run([&] { form->findChild<QAction*>("mnuOpen")->trigger(); });
+        r.run([&] { menu(form, "mnuOpen"); });
         const QByteArray as_read = r.kind == "cut mid-line" ? bytes_of(r.path) + "\r\n" : good;
         QCOMPARE(form->findChild<QPlainTextEdit*>("txtData")->toPlainText(),
                  r.message.isEmpty() ? QString::fromLatin1(as_read).replace("\r\n", "\n") : "");
@@ -161,8 +163,7 @@ private slots:
         QCOMPARE(listing(r.work.path()), r.before);
     }
 
-    // Options, Convert to CSV in the editor. A log cut short leaves what
-    // was converted; nothing else bad writes a spreadsheet file.
+    // A log cut short leaves what was converted; nothing else bad writes a spreadsheet file.
     void csv_conversion_data() {
         const QString done = "Successful conversion", unopened = "Unable to open file";
         rows({no_csv, no_csv, no_csv, done, done, unopened, unopened, unopened, done, no_csv});
@@ -171,10 +172,9 @@ private slots:
         Row r;
         auto* form = test::open_fresh<frmReports>();
         form->show_as_editor();
-        r.t.dialogs->queue(ss_file(source_dir + "/tests/data/reports/summary.sum"));
-        form->findChild<QAction*>("mnuOpen")->trigger();
+        r.open_first(form, "/tests/data/reports/summary.sum");
         r.make("pump.log", bytes_of("tests/data/logs/single_rate.log"));
-        r.run([&] { form->findChild<QAction*>("mnuConvertPrn")->trigger(); });
+        r.run([&] { menu(form, "mnuConvertPrn"); });
         QFile csv(r.path.chopped(4) + ".CSV");
         const bool converted = r.message.startsWith("Successful");
         QCOMPARE(csv.exists(), converted || r.kind == "cut mid-line");
@@ -186,8 +186,7 @@ private slots:
         QCOMPARE(listing(r.work.path()), r.before);
     }
 
-    // The log graph's File, Open over a log on show, which a refused file
-    // leaves as it was.
+    // Over a log on show, which a refused file leaves as it was.
     void graph_open_data() {
         rows({few_points, few_points, "Data record with fewer than five fields in line 76; graphing cancelled", "", "",
               no_log, no_log, no_log, "", few_points});
@@ -195,19 +194,17 @@ private slots:
     void graph_open() {
         Row r;
         frmGraph* form = test::open_fresh<frmGraph>();
-        r.t.dialogs->queue(ss_file(source_dir + "/tests/data/graph/single_rate_45min.log"));
-        form->findChild<QAction*>("mnuOpen")->trigger();
+        r.open_first(form, "/tests/data/graph/single_rate_45min.log");
         const QStringList view = graph_view(form);
         const QString title = form->windowTitle();
         r.make("pump.log", bytes_of("tests/data/graph/single_rate_45min.log"));
-        r.run([&] { form->findChild<QAction*>("mnuOpen")->trigger(); });
+        r.run([&] { menu(form, "mnuOpen"); });
         QCOMPARE(graph_view(form), view);
         QCOMPARE(form->windowTitle(), r.message.isEmpty() ? "DATA LOG GRAPH - [ " + r.path.toLower() + " ]" : title);
         QCOMPARE(listing(r.work.path()), r.before);
     }
 
-    // A topic whose file in the help folder is bad: the topic window says
-    // what is wrong with it.
+    // The topic window says what is wrong with its file.
     void help_topic_data() {
         const QString binary = "The help file <file> is not a text file.";
         rows({"The help file <file> is empty.", binary, "", "", "", "The help file <file> is too large to be a help text.",
@@ -233,10 +230,8 @@ private slots:
         QCOMPARE(listing(r.work.path()), r.before);
     }
 
-    // The settings file read at start-up in a home of the row's own, and a
-    // setting saved afterwards: the console starts from its defaults where
-    // the file cannot be read, keeps a damaged file aside and tells so, and
-    // a file it could read loses nothing when written again.
+    // kyt.ini at start-up, then a setting saved: defaults where it cannot be read, a damaged file
+    // kept aside and told, a file it could read loses nothing when written again.
     void settings_at_start_data() {
         rows({"", ini_damaged, "", "", "", ini_damaged, ini_unwritable, ini_unwritable, "", ini_damaged});
     }
@@ -245,7 +240,7 @@ private slots:
         const QString start = r.work.filePath(r.kind.startsWith("non-ASCII") ? non_ascii : "start");
         QVERIFY(QDir().mkpath(start) && QDir::setCurrent(start));
         r.make("pump-home/.config/kyt-console/kyt.ini", "[Startup]\r\ncomm=3\r\nseries=D\r\n[Ports]\r\ncomm1=/dev/serial/"
-               "by-id/usb-FTDI_FT232R_USB_UART_A600abcd-if00-port0\r\ncomm3=/dev/ttyS2\r\n");
+               "by-id/usb-Serial_Adapter_A600abcd-if00-port0\r\ncomm3=/dev/ttyS2\r\n");
         services().settings = std::make_unique<IniSettingsStore>(QFileInfo(r.path).path());
         r.run([&] {
             forms::get<frmMain>();
@@ -257,8 +252,7 @@ private slots:
         QCOMPARE(shared().port.comm_port, read ? 3 : 2);
         QCOMPARE(shared().port.series, read ? 'D' : 'C');
         QCOMPARE(shared().dirs.help_dir, ss_file(start + "/help"));
-        // A file that cannot be written stays as it was; a damaged one is
-        // kept whole under its new name.
+        // A file that cannot be written stays as it was; a damaged one is kept whole under its new name.
         const QStringList after = listing(r.work.path());
         if (r.message == ini_damaged)
             QVERIFY(after.contains(r.before.filter("kyt.ini ").value(0).replace("kyt.ini ", "kyt.ini.damaged ")));

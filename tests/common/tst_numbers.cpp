@@ -1,7 +1,6 @@
-// The number and text helpers, and the locale: every number the console
-// writes into a file or reads from one uses the decimal point, whatever
-// locale the program runs in (the console's windows set the C library to the
-// user's locale, and a German one wants a comma).
+// The number and text helpers. Every number written to or read from a file
+// uses the decimal point, whatever the locale (the windows set the C library
+// to the user's, and a German one wants a comma).
 
 #include <QtTest>
 
@@ -20,24 +19,18 @@ using namespace kyt;
 
 namespace {
 
-// What the console writes into files and reads from them, in the locale in
-// force: log rows, numbers in pictures, numbers read, a log read and one
-// converted to a spreadsheet file.
+// What the console writes into files and reads from them in the locale in force.
 QStringList numbers_in_files() {
     const std::string log = test_data("logs/single_rate.log");
     const LogSeries s = read_log(log).series;
-    std::string figures;
-    for (double v : {s.max_flow, s.min_flow, s.final_avg_flow, s.max_volume, s.base_rate, s.graph_time.back(),
-                     s.graph_volume.back()})
-        figures += shortest_text(v) + " ";
-    return {QString::fromStdString(single_rate_row({0, 1, 30, 99.95, 100.125, 2.5, 12}) +
-                                   occlusion_row({3, 5, 12.34, 638.2}) + format_by_size(12.345)),
-            QString::fromStdString(general_number(12.5) + " " + general_number(1.5e20) + " " +
-                                   format_picture(0.0512, "0.00%")),
-            QString::fromStdString(shortest_text(leading_number("12.5 ml/h")) + " " +
-                                   shortest_text(*numeric_value(" 2.25D1 "))),
-            QString::fromStdString(figures), QString::fromStdString(convert_log_text(log).csv)};
+    std::string text = single_rate_row({0, 1, 30, 99.95, 100.125, 2.5, 12}) + occlusion_row({3, 5, 12.34, 638.2}) +
+                       format_by_size(12.345) + general_number(1.5e20) + format_picture(0.0512, "0.00%") +
+                       shortest_text(*numeric_value(" 2.25D1 ")) + shortest_text(leading_number("12.5 ml/h"));
+    for (double v : {s.max_flow, s.final_avg_flow, s.graph_time.back()}) text += shortest_text(v) + " ";
+    return {QString::fromStdString(text), QString::fromStdString(convert_log_text(log).csv)};
 }
+
+const double inf = std::numeric_limits<double>::infinity();
 
 }  // namespace
 
@@ -49,13 +42,12 @@ private slots:
         QTest::addColumn<QString>("picture");
         QTest::addColumn<QString>("expected");
         QTest::newRow("rounds into a sixth character") << 999.96 << "000.0" << "1000.0";
-        QTest::newRow("page one") << 1.0 << "00" << "01";
         QTest::newRow("page hundred has no maximum") << 100.0 << "00" << "100";
         QTest::newRow("half away from zero") << 2.5 << "0" << "3";
         QTest::newRow("binary near-half taken at 15 digits") << 1.005 << "0.00" << "1.01";
         QTest::newRow("negative keeps the sign") << -5.0 << "00.00" << "-05.00";
         QTest::newRow("percent") << 0.0123 << "0.00%" << "1.23%";
-        QTest::newRow("tiny rounds to zero") << 0.0004 << "0.000" << "0.000";
+        QTest::newRow("percent beyond a double (found by fuzzing)") << 1e307 << "0.00%" << "Inf%";
     }
     void picture() {
         QFETCH(double, value);
@@ -68,8 +60,6 @@ private slots:
         QTest::addColumn<double>("value");
         QTest::addColumn<QString>("expected");
         QTest::newRow("whole") << 3.0 << "3";
-        QTest::newRow("zero") << 0.0 << "0";
-        QTest::newRow("negative") << -0.25 << "-0.25";
         QTest::newRow("fifteen digits") << 0.1 + 0.2 << "0.3";
         QTest::newRow("large") << 1.5e20 << "1.5E+20";
         QTest::newRow("small") << 1e-7 << "1E-07";
@@ -84,24 +74,18 @@ private slots:
     void leading_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<double>("expected");
-        QTest::newRow("leading blanks") << "   7" << 7.0;
-        QTest::newRow("blanks inside are skipped") << "1 2" << 12.0;
+        QTest::newRow("blanks are skipped") << "  1 2" << 12.0;
         QTest::newRow("no number") << "abc" << 0.0;
-        QTest::newRow("sign") << "-3.5" << -3.5;
-        QTest::newRow("exponent") << "1E3" << 1000.0;
-        QTest::newRow("D exponent") << "2D2" << 200.0;
+        QTest::newRow("D exponent") << "-2D2" << -200.0;
         QTest::newRow("dangling exponent") << "5E" << 5.0;
         QTest::newRow("comma ends") << "1,000" << 1.0;
         QTest::newRow("hex") << "&H1F" << 31.0;
         QTest::newRow("octal") << "&O17" << 15.0;
         QTest::newRow("point only") << "." << 0.0;
-        QTest::newRow("leading point") << ".5" << 0.5;
-        // Out of a double's range, the size is told by the first significant
-        // digit, not by the zeros in front of it.
-        QTest::newRow("zero before digits beyond a double")
-            << "0" + QString(400, '9') << std::numeric_limits<double>::infinity();
-        QTest::newRow("digits beyond a double despite a negative exponent")
-            << "1" + QString(400, '0') + "E-10" << std::numeric_limits<double>::infinity();
+        // Found by fuzzing: beyond a double's range the size is told by the
+        // first significant digit, not by the zeros in front of it.
+        QTest::newRow("zero before digits beyond a double") << "0" + QString(400, '9') << inf;
+        QTest::newRow("digits beyond a double despite a negative exponent") << "1" + QString(400, '0') + "E-10" << inf;
         QTest::newRow("digits below a double despite a positive exponent") << "0." + QString(400, '0') + "1E5" << 0.0;
     }
     void leading() {
@@ -117,7 +101,6 @@ private slots:
         QTest::newRow("half down to even") << 2.5 << 2 << true;
         QTest::newRow("half up to even") << 3.5 << 4 << true;
         QTest::newRow("negative half") << -2.5 << -2 << true;
-        QTest::newRow("plain") << 2.6 << 3 << true;
         QTest::newRow("top") << 32767.4 << 32767 << true;
         QTest::newRow("over the top") << 32767.5 << 0 << false;
         QTest::newRow("bottom") << -32768.0 << -32768 << true;
@@ -132,23 +115,16 @@ private slots:
         if (fits) QCOMPARE(int(*r), expected);
     }
 
-    // A number as an administrator's numeric list takes it: the whole text,
-    // blanks around it allowed.
+    // A number as a numeric list takes it: the whole text, blanks around it allowed.
     void numeric_texts_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("numeric");
         QTest::addColumn<double>("value");
-        QTest::newRow("whole") << "25" << true << 25.0;
-        QTest::newRow("blanks around") << "  25 " << true << 25.0;
-        QTest::newRow("tab before") << "\t7" << true << 7.0;
-        QTest::newRow("sign") << "-2.5" << true << -2.5;
-        QTest::newRow("point first") << ".5" << true << 0.5;
+        QTest::newRow("blanks around") << " \t25 " << true << 25.0;
         QTest::newRow("point last") << "5." << true << 5.0;
-        QTest::newRow("exponent") << "1.5E2" << true << 150.0;
-        QTest::newRow("small exponent, signed") << "25e-1" << true << 2.5;
+        QTest::newRow("small exponent, signed") << "-25e-1" << true << -2.5;
         QTest::newRow("D exponent") << "2D3" << true << 2000.0;
         QTest::newRow("empty") << "" << false << 0.0;
-        QTest::newRow("blanks only") << "   " << false << 0.0;
         QTest::newRow("number then letter") << "25x" << false << 0.0;
         QTest::newRow("two rates") << "25 50" << false << 0.0;
         QTest::newRow("blank after the sign") << "- 5" << false << 0.0;
@@ -163,40 +139,25 @@ private slots:
         QFETCH(QString, text);
         QFETCH(bool, numeric);
         QFETCH(double, value);
-        const std::string s = text.toStdString();
-        QCOMPARE(is_numeric(s), numeric);
-        QCOMPARE(numeric_value(s).value_or(0.0), value);
+        QCOMPARE(is_numeric(text.toStdString()), numeric);
+        QCOMPARE(numeric_value(text.toStdString()).value_or(0.0), value);
     }
 
     void dates() {
         const CivilTime t{2026, 11, 3, 9, 5, 7, 2};
-        QCOMPARE(format_date(t, "mmm d yyyy"), std::string("Nov 3 2026"));
         QCOMPARE(format_date(t, "hh:mm"), std::string("09:05"));
         QCOMPARE(format_date(t, "dddd, mmm d yyyy"), std::string("Tuesday, Nov 3 2026"));
     }
 
-    void text_data() {
-        QTest::addColumn<QString>("blank");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("empty value keeps the blank") << "_____" << "" << "_____";
-        QTest::newRow("short value") << "_____" << "ab" << "ab___";
-        QTest::newRow("exact width") << "_____" << "abcde" << "abcde";
-        QTest::newRow("too long is cut") << "___" << "abcdef" << "abc";
-    }
-    void text() {
-        QFETCH(QString, blank);
-        QFETCH(QString, value);
-        QFETCH(QString, expected);
-        QCOMPARE(QString::fromStdString(replace_underlined_field(blank.toStdString(), value.toStdString())), expected);
-    }
-
-    void positions() {
+    void text_helpers() {
+        QCOMPARE(replace_underlined_field("_____", ""), std::string("_____"));
+        QCOMPARE(replace_underlined_field("_____", "ab"), std::string("ab___"));
+        QCOMPARE(replace_underlined_field("___", "abcdef"), std::string("abc"));
         QCOMPARE(find1("abcabc", "c"), std::size_t(3));
         QCOMPARE(find1("abcabc", "c", 4), std::size_t(6));
         QCOMPARE(find1("abc", "x"), std::size_t(0));
         QCOMPARE(mid("abcdef", 2, 3), std::string("bcd"));
-        QCOMPARE(mid("abc", 3, 5), std::string("c"));
+        QCOMPARE(mid("abc", 3, 5), std::string("c"));  // a start on the last character
         QCOMPARE(mid("abc", 4, 1), std::string());
         QCOMPARE(trim("  a b  "), std::string("a b"));
         QCOMPARE(split_lines("a\r\nb\nc").size(), std::size_t(3));

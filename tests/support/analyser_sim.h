@@ -1,6 +1,5 @@
 #pragma once
-// One running simulated analyser behind a link in a temporary folder, for the
-// tests that need an analyser at the other end of a real serial line.
+// A simulated analyser behind a link in a temporary folder, at the other end of a real serial line.
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -9,9 +8,7 @@
 
 namespace kyt::test {
 
-inline QString sim_binary() {
-    return qEnvironmentVariable("KYT_BINARY_DIR") + "/tools/analyser-sim/kyt-analyser-sim";
-}
+inline QString sim_binary() { return qEnvironmentVariable("KYT_BINARY_DIR") + "/tools/analyser-sim/kyt-analyser-sim"; }
 
 class Sim {
 public:

@@ -1,7 +1,6 @@
 #pragma once
-// The console as the end-to-end tests run it: the main window on a real
-// serial line whose Comm 1 is the simulated analyser, saving into a folder
-// of its own, and the modal test header answered once it is up.
+// The console as the end-to-end tests run it: the main window on a real line to
+// the simulated analyser, saving into a folder of its own.
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -27,9 +26,8 @@ struct Console {
     QTemporaryDir work;
 };
 
-// The console on a real line to the simulator behind Comm `comm` (the other
-// Comm numbers on devices that do not exist), saving into a folder of its
-// own. Comm 2 is left unchosen in the settings: it is the console's default.
+// The simulator behind Comm `comm`, the other ports on devices that do not
+// exist; Comm 2 is left unstored, being the default.
 inline void start_console(Console& c, const QString& link, int comm = 1) {
     c.t = install_test_services();
     for (int n = 1; n <= 4; ++n)
@@ -42,8 +40,7 @@ inline void start_console(Console& c, const QString& link, int comm = 1) {
 }
 inline void start_console(Console& c, const Sim& sim, int comm = 1) { start_console(c, sim.link, comm); }
 
-// The forms of a run unloaded, the main window last, and the line closed, so
-// that the next test starts on a console of its own.
+// The forms unloaded, the main window last, and the line closed.
 inline void close_console() {
     for (const char* name : {"frmTrumpetGraph", "frmGraph", "frmOTGraph", "frmRTGraph", "frmSummary", "frmReports",
                              "frmTestPort", "frmDownload", "frmMain"})
@@ -65,11 +62,9 @@ W* child(QWidget* form, const char* name) {
     return form->findChild<W*>(name);
 }
 
-// What a file holds; empty when it cannot be read.
 inline std::string text_of(const QString& path) { return read_text_file(ss(path)).value_or(""); }
 
-// Fills the modal header once it is up (the set rate too, which a
-// single-rate test needs) and goes on.
+// Fills the modal header once it is up (the set rate too) and goes on.
 inline void fill_header_when_shown() {
     QTimer::singleShot(0, [] {
         frmHeader* h = forms::loaded<frmHeader>();

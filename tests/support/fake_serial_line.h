@@ -11,43 +11,31 @@
 
 namespace kyt {
 
-// A line in memory for tests: ports listed in `failing` cannot open, each
-// command sent is kept in `commands`, and `feed` makes text wait in the input.
-// Every operation is noted in `ops` so that tests can check their order.
+// A line in memory: ports in `failing` cannot open, each command sent is kept
+// in `commands`, `feed` makes text wait in the input, and every operation is
+// noted in `ops` so that tests can check their order.
 class FakeSerialLine final : public SerialLine {
 public:
-    void set_port_number(int n) override {
-        port_ = n;
-        ops.push_back("port " + std::to_string(n));
-    }
+    void set_port_number(int n) override { port_ = n, note("port " + std::to_string(n)); }
     int port_number() const override { return port_; }
-    void set_settings(std::string_view s) override { ops.push_back("settings " + std::string(s)); }
+    void set_settings(std::string_view s) override { note("settings " + std::string(s)); }
     void set_port_open(bool open) override {
-        ops.push_back(open ? "open" : "close");
+        note(open ? "open" : "close");
         if (open && failing.count(port_)) throw SerialError("Port " + std::to_string(port_) + " cannot be opened");
         open_ = open;
     }
     bool port_open() const override { return open_; }
-    void set_rts_enable(bool) override { ops.push_back("rts"); }
+    void set_rts_enable(bool) override { note("rts"); }
     int in_buffer_count() override { return static_cast<int>(pending_.size()); }
-    void clear_input() override {
-        pending_.clear();
-        ops.push_back("clear input");
-    }
-    void clear_output() override { ops.push_back("clear output"); }
-    void set_rthreshold(int n) override { ops.push_back("rthreshold " + std::to_string(n)); }
-    void set_input_len(int n) override {
-        input_len = n;
-        ops.push_back("input length " + std::to_string(n));
-    }
+    void clear_input() override { pending_.clear(), note("clear input"); }
+    void clear_output() override { note("clear output"); }
+    void set_rthreshold(int n) override { note("rthreshold " + std::to_string(n)); }
+    void set_input_len(int n) override { input_len = n, note("input length " + std::to_string(n)); }
     void output(std::string_view text) override {
         if (!open_) throw SerialError("The serial port is not open.");
         commands.emplace_back(text);
-        ops.push_back("output " + std::string(text));
-        if (!replies_.empty()) {
-            pending_ += replies_.front();
-            replies_.pop_front();
-        }
+        note("output " + std::string(text));
+        if (!replies_.empty()) pending_ += replies_.front(), replies_.pop_front();
     }
     std::string input() override {
         const std::size_t n = input_len > 0 ? std::min<std::size_t>(input_len, pending_.size()) : pending_.size();
@@ -67,6 +55,7 @@ public:
     int input_len = 0;
 
 private:
+    void note(std::string op) { ops.push_back(std::move(op)); }
     int port_ = 1;
     bool open_ = false;
     std::string pending_;

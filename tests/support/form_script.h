@@ -1,15 +1,9 @@
 #pragma once
-// Drives a shown form the way an operator does, from a short script, so that
-// data-driven tests can say what was done in one column:
-//   "focus:NAME"  puts the focus on the widget of that objectName (text kept, not selected)
-//   "type:TEXT"   types into the widget that has the focus
-//   "enter", "tab", "backspace", "left"  one key into the widget with the focus
-//   "erase"       selects all the text of the focused field and deletes it
-//   "pick:N"      picks element N of the focused combo box from its list
-//   "click:NAME"  a mouse click on the button (the focus moves to it)
-//   "press:NAME"  the button's click without any change of focus
-// After each step pending events are served, so that a check that waits for
-// the focus to settle has run before the next step.
+// Drives a shown form as an operator does, from a short script (run_script):
+// "focus:NAME", "type:TEXT", "enter", "tab", "backspace", "left", "erase" (all
+// of the field), "pick:N" (from the combo box's list), "click:NAME" (a mouse
+// click), "press:NAME" (the click without a change of focus); pending events
+// are served after each step.
 
 #include <QtTest>
 
@@ -32,8 +26,7 @@ inline void serve_events() {
     QCoreApplication::processEvents();
 }
 
-// Shows the form and makes it the active window, so that focus moves as it
-// does on a desktop.
+// Shown and active, so that focus moves as on a desktop.
 inline bool show_active(QWidget* form) {
     form->show();
     form->activateWindow();
@@ -54,9 +47,8 @@ F* open_fresh() {
     return f;
 }
 
-// Runs `act` on the form of that name once it is loaded and on show: the
-// modal dialog that the next step opens and waits on. A wait that is still
-// pending when the test ends is dropped by drop_waits().
+// Runs `act` on the named form once it is on show (the modal dialog the next
+// step opens); drop_waits() drops any still pending.
 inline void when_shown(const QString& name, std::function<void(QWidget*)> act) {
     auto* poll = new QTimer(QCoreApplication::instance());
     poll->setObjectName("when_shown");
@@ -104,15 +96,13 @@ inline void run_script(QWidget* form, const QStringList& steps) {
         } else if (verb == "pick") {
             auto* box = qobject_cast<QComboBox*>(focus);
             QVERIFY(box);
-            // As the operator picks from the list.
             box->setCurrentIndex(arg.toInt());
             if (box->lineEdit()) box->lineEdit()->setModified(false);
             emit box->activated(arg.toInt());
         } else if (verb == "click" || verb == "press") {
             auto* b = form->findChild<QAbstractButton*>(arg);
             QVERIFY2(b, qPrintable("no button " + arg));
-            if (verb == "click") QTest::mouseClick(b, Qt::LeftButton);
-            else b->click();
+            verb == "click" ? QTest::mouseClick(b, Qt::LeftButton) : b->click();
         } else {
             QFAIL(qPrintable("unknown step " + step));
         }
@@ -120,8 +110,7 @@ inline void run_script(QWidget* form, const QStringList& steps) {
     }
 }
 
-// The base rate dialog, once up: the text typed and Enter pressed; a dialog
-// that stays after that is cancelled.
+// The base rate dialog, once up: the text typed and Enter; cancelled if it stays.
 inline void enter_rate_when_shown(const QString& typed) {
     when_shown("frmSetRate", [typed](QWidget* d) {
         run_script(d, {"focus:txtSetRate", "type:" + typed, "enter"});

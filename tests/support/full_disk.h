@@ -1,6 +1,6 @@
 #pragma once
-// A full disk for tests: while a FileSizeLimit lives, files written by this
-// process stop growing at the given size, and the write fails instead of the
+// A full disk: while a FileSizeLimit lives, files written by this process stop
+// growing at the given size (0: no limit), and the write fails instead of the
 // process being signalled.
 
 #include <sys/resource.h>
@@ -15,8 +15,7 @@ public:
         if (bytes == 0) return;
         std::signal(SIGXFSZ, SIG_IGN);
         getrlimit(RLIMIT_FSIZE, &old_);
-        rlimit limit = old_;
-        limit.rlim_cur = bytes;
+        rlimit limit{bytes, old_.rlim_max};
         active_ = setrlimit(RLIMIT_FSIZE, &limit) == 0;
     }
     ~FileSizeLimit() {

@@ -1,5 +1,4 @@
 #pragma once
-// A settings store held in memory, for tests that must not touch a file.
 
 #include <map>
 #include <string>
@@ -11,6 +10,7 @@
 
 namespace kyt {
 
+// A settings store in memory, names found without regard to case as in the file.
 class MemorySettingsStore final : public SettingsStore {
 public:
     std::string get_setting(std::string_view app, std::string_view section, std::string_view key,
@@ -30,7 +30,6 @@ public:
     }
 
 private:
-    // Names are found without regard to case, as in the settings file.
     using Key = std::tuple<std::string, std::string, std::string>;
     static Key make_key(std::string_view app, std::string_view section, std::string_view key) {
         return {upper(app), upper(section), upper(key)};

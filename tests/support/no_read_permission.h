@@ -1,8 +1,7 @@
 #pragma once
 // A file this process cannot read, whoever runs the test: while the guard
-// lives the file's mode is 000 and, for root (who reads anything), the
-// capabilities that pass over file permissions are out of the thread's
-// effective set; they stay permitted, so the guard takes them back at its end.
+// lives its mode is 000 and, for root, the capabilities that pass over file
+// permissions are out of the effective set (still permitted, taken back after).
 
 #include <linux/capability.h>
 #include <sys/stat.h>
@@ -16,7 +15,6 @@ namespace kyt::test {
 
 class NoReadPermission {
 public:
-    // An empty path leaves everything as it is.
     explicit NoReadPermission(std::string path) : path_(std::move(path)) {
         if (path_.empty() || ::chmod(path_.c_str(), 0) != 0) path_.clear();
         if (!path_.empty() && ::geteuid() == 0) taken_ = change_effective(dac_bits, 0);
@@ -31,8 +29,7 @@ public:
 private:
     static constexpr __u32 dac_bits = (1u << CAP_DAC_OVERRIDE) | (1u << CAP_DAC_READ_SEARCH);
 
-    // Takes `off` out of the effective set and puts `on` back; gives the
-    // bits of `off` that were in it, 0 when nothing changed.
+    // Takes `off` out of the effective set and puts `on` back; gives the bits of `off` it had.
     static __u32 change_effective(__u32 off, __u32 on) {
         __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
         __user_cap_data_struct data[_LINUX_CAPABILITY_U32S_3]{};

@@ -1,7 +1,4 @@
 #pragma once
-// The printer of tests: the real printer made to write PDF files into a
-// folder the test gives (each job a new file, found by last_pdf()), and to
-// tell nobody where they went, so that no message box comes.
 
 #include <QString>
 
@@ -10,6 +7,8 @@
 
 namespace kyt::test {
 
+// The real printer writing each job as a new PDF file into the folder (found
+// by last_pdf()), telling nobody where it went, so that no box comes.
 class PdfPrinter final : public QtPrinter {
 public:
     explicit PdfPrinter(const QString& folder)

@@ -1,11 +1,9 @@
 #pragma once
-// Reading printed PDF files back with poppler's tools: the words with their
-// page and left edge, the page count, the orientation, a page as an image.
+// Printed PDF files read back with poppler's tools.
 
 #include <algorithm>
 #include <cmath>
 
-#include <QImage>
 #include <QList>
 #include <QProcess>
 #include <QRegularExpression>
@@ -29,7 +27,6 @@ struct PdfWord {
     double y_inches = 0;  // top, from the page's top edge
 };
 
-// Every word of a PDF file with its page and left edge, by pdftotext.
 inline QList<PdfWord> words_of(const QString& pdf) {
     QList<PdfWord> words;
     int page = 0;
@@ -45,10 +42,9 @@ inline QList<PdfWord> words_of(const QString& pdf) {
     return words;
 }
 
-// The lines of fixed-pitch text on a page, rebuilt with their blanks: a
-// word starts at the column its left edge gives, `pitch` inches a column
-// from `left`. Words whose tops lie within a twentieth of an inch share a
-// line.
+// The lines of fixed-pitch text on a page, with their blanks: a word at the
+// column of its left edge, `pitch` inches a column from `left`; tops within a
+// twentieth of an inch share a line.
 inline QStringList fixed_pitch_lines(const QList<PdfWord>& words, int page, double left, double pitch) {
     QList<PdfWord> on_page;
     for (const PdfWord& w : words)
@@ -70,21 +66,15 @@ inline QStringList fixed_pitch_lines(const QList<PdfWord>& words, int page, doub
     return lines;
 }
 
-inline int page_count(const QString& pdf) {
-    return QRegularExpression(R"(Pages:\s+(\d+))").match(run("pdfinfo", {pdf})).captured(1).toInt();
+inline QRegularExpressionMatch pdf_info(const QString& pdf, const QString& pattern) {
+    return QRegularExpression(pattern).match(run("pdfinfo", {pdf}));
 }
-
+inline int page_count(const QString& pdf) { return pdf_info(pdf, R"(Pages:\s+(\d+))").captured(1).toInt(); }
 inline bool is_landscape(const QString& pdf) {
-    const auto m = QRegularExpression(R"(Page size:\s+([0-9.]+) x ([0-9.]+))").match(run("pdfinfo", {pdf}));
+    const auto m = pdf_info(pdf, R"(Page size:\s+([0-9.]+) x ([0-9.]+))");
     return m.captured(1).toDouble() > m.captured(2).toDouble();
 }
 
-inline QImage page_image(const QString& pdf, int dpi, const QString& png_stem) {
-    run("pdftoppm", {"-r", QString::number(dpi), "-png", "-singlefile", pdf, png_stem});
-    return QImage(png_stem + ".png");
-}
-
-// The text of each page, as pdftotext lays it out.
 inline QStringList page_texts(const QString& pdf) {
     QStringList pages = run("pdftotext", {"-layout", pdf, "-"}).split('\f');
     if (!pages.isEmpty() && pages.last().trimmed().isEmpty()) pages.removeLast();

@@ -1,10 +1,8 @@
 #pragma once
-// Message boxes that a test answers. Every box is recorded. A box is
-// expected only when the test said so beforehand, with the answer to give
-// (answer) or the box's default button (expect); any other box fails the
-// test that was running, so that a message nobody looked for cannot pass
-// unseen. A test that does not care how many boxes come may say so
-// (allow_any), and then boxes without a scripted answer get their default.
+// Message boxes a test answers, every one recorded. A box is expected only
+// when the test said so beforehand (answer, or expect for its default button);
+// any other fails the running test, unless the test allows any, and then it
+// gets its default.
 
 #include <QTest>
 
@@ -26,25 +24,19 @@ public:
     };
     int show(const std::string& text, int style, const std::string& title) override {
         shown.push_back({text, style, title});
-        if (answers_.empty()) {
-            if (strict_)
-                QTest::qFail(("A message box the test did not expect: \"" + title + "\": \"" + text + "\"").c_str(),
-                             __FILE__, __LINE__);
-            return box_default_answer(style);
-        }
+        if (answers_.empty() && strict_)
+            QTest::qFail(("A message box the test did not expect: \"" + title + "\": \"" + text + "\"").c_str(),
+                         __FILE__, __LINE__);
+        if (answers_.empty()) return box_default_answer(style);
         const int a = answers_.front();
         answers_.pop_front();
         return a == default_answer ? box_default_answer(style) : a;
     }
 
-    // The next box is expected; it is answered with a.
     void answer(int a) { answers_.push_back(a); }
-    // The next n boxes are expected; each is answered with its default button.
     void expect(std::size_t n = 1) { answers_.insert(answers_.end(), n, default_answer); }
-    // Boxes beyond those scripted are answered with their default, not failed.
     void allow_any() { strict_ = false; }
-    // How many scripted boxes have not come.
-    std::size_t pending() const { return answers_.size(); }
+    std::size_t pending() const { return answers_.size(); }  // scripted boxes that have not come
 
     std::vector<Box> shown;
 

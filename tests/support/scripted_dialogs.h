@@ -1,5 +1,4 @@
 #pragma once
-// File dialogs that a test answers.
 
 #include <deque>
 #include <string>
@@ -10,9 +9,9 @@
 
 namespace kyt {
 
-// Answers with the names a test has queued ("" gives up), and keeps every
-// request it was shown. fail_next makes the next show throw, as a dialog
-// that cannot come up.
+// File dialogs answering with the names a test queued ("" or none: given up),
+// keeping every request; fail_next makes the next show throw, as a dialog that
+// cannot come up.
 class ScriptedFileDialogs final : public FileDialogs {
 public:
     std::string show_open(const CommonDialog& d) override { return answer(d, false); }
@@ -29,10 +28,7 @@ public:
 private:
     std::string answer(const CommonDialog& d, bool save) {
         requests.push_back({d, save});
-        if (fail_next) {
-            fail_next = false;
-            throw FileDialogError("The file dialog could not be shown.");
-        }
+        if (std::exchange(fail_next, false)) throw FileDialogError("The file dialog could not be shown.");
         if (names_.empty()) return {};
         std::string n = std::move(names_.front());
         names_.pop_front();

@@ -1,18 +1,17 @@
 #pragma once
-// A clock for tests that never really waits: each reading moves it on by a
-// fixed step.
 
 #include "common/clock.h"
 
 namespace kyt {
 
+// A clock that never really waits: each reading moves it on by a fixed step.
 class SteppingClock final : public Clock {
 public:
     explicit SteppingClock(float start = 36000.0f, float step = 0.25f) : now_(start), step_(step) {}
     float timer() override {
+        ++readings_;
         const float t = now_;
         now_ += step_;
-        ++readings_;
         return t;
     }
     long readings() const { return readings_; }

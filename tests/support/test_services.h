@@ -1,11 +1,9 @@
 #pragma once
-// Installs the services a form test runs on: the real INI settings store in
-// the test's own temporary home (set by CTest), a serial line in memory,
-// message boxes and file dialogs that the test answers, and a clock that does
-// not really wait. Returns them for the test to script and inspect.
+// The services a form test runs on: the real INI settings store in the test's
+// own temporary home (set by CTest), a serial line in memory, message boxes
+// and file dialogs the test answers, and a clock that does not really wait.
 
 #include <QDir>
-#include <QStandardPaths>
 
 #include "app/settings/ini_settings_store.h"
 #include "common/services.h"
@@ -25,8 +23,7 @@ struct TestServices {
     SteppingClock* clock;
 };
 
-// The settings file of the test home, removed so that each test starts from
-// an empty store.
+// The settings folder of the test home, emptied.
 inline QString fresh_settings_folder() {
     const QString folder = IniSettingsStore::default_folder();
     QDir(folder).removeRecursively();
