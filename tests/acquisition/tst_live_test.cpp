@@ -1,6 +1,3 @@
-// The live tests' graph axes, labels and the gathering of the summary,
-// without a window.
-
 #include <QtTest>
 
 #include "acquisition/live_test.h"
@@ -25,7 +22,7 @@ private slots:
     void flow_axis_data() {
         QTest::addColumn<QString>("set_rate");
         QTest::addColumn<QList<QPointF>>("samples");
-        QTest::addColumn<QStringList>("changes");  // the initial axis, then one per sample: "min/max", "-" unchanged
+        QTest::addColumn<QStringList>("changes");  // initial axis, then per sample: "min/max", "-" unchanged
         QTest::newRow("no rate; flow between 0 and 100 moves both on the second sample")
             << "" << QList<QPointF>{{99, 100.4}, {99.5, 100}, {98, 100}, {103.2, 100}}
             << QStringList{"50/150", "50/150", "99/100", "98/-", "-/106"};
@@ -50,8 +47,7 @@ private slots:
             << OcclusionUnit::psi << QList<QPointF>{{0.4, 20}, {0.2, 10}, {3.7, 190}}
             << QStringList{"Pressure(PSI)", "0/15", "0/1", "0/-", "-/4"};
         QTest::newRow("mmHg follows mmHg alone")
-            << OcclusionUnit::mmhg << QList<QPointF>{{1, 300}, {9, 301.5}}
-            << QStringList{"Pressure(mmHg)", "0/800", "150/450", "-/302"};
+            << OcclusionUnit::mmhg << QList<QPointF>{{1, 300}, {9, 301.5}} << QStringList{"Pressure(mmHg)", "0/800", "150/450", "-/302"};
         QTest::newRow("kPa graphs PSI times 7.51")
             << OcclusionUnit::kpa << QList<QPointF>{{10, 517}} << QStringList{"Pressure(kPa)", "0/100", "37.5/112.5"};
     }
@@ -71,8 +67,7 @@ private slots:
         QCOMPARE(seen, changes);
     }
 
-    // The summary in blocks: control blocks leave a line end, a two-character
-    // block is an error reply, the character 7 ends it.
+    // A new summary drops old text; a control block leaves a line end, "e\r" is an error, 7 ends it.
     void summary_gather() {
         SummaryGather g;
         bool first = true;
@@ -82,9 +77,7 @@ private slots:
         QVERIFY(!first);
         QVERIFY(!g.take("\x05", first).ended);
         QVERIFY(g.take("e\r", first).reply_error);
-        const SummaryGather::Tick end = g.take("Rate 100\r\n\x07", first);
-        QVERIFY(end.ended);
-        // The block that carries the 7 leaves only a line end.
+        QVERIFY(g.take("Rate 100\r\n\x07", first).ended);  // the block with the 7 leaves only a line end
         QCOMPARE(g.text(), std::string("SUMMARY\r\n\r\ne\r\r\n"));
     }
 };

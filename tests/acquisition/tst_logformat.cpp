@@ -33,56 +33,32 @@ QList<int> rows_opening_pages(DataLog& log, int rows) {
     return opening;
 }
 
-// The record of the golden logs.
-const ReportRec golden_record{"Northfield Infusion Systems Ltd", "VP-7", "000123456789", "CTL-0042",
-                              "Biomedical Eng.", "Bench 2", "100", "", "Annual check", "", "Large volume", "5"};
-
 }  // namespace
 
 class tst_logformat : public QObject {
     Q_OBJECT
 private slots:
-    // The golden logs show the head's blanks and values of their length; an
-    // overlong record keeps every column in place.
+    // An overlong record keeps every column of the head in place.
     void head_columns_of_an_overlong_record() {
         const std::string v = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
         const ReportRec rec{v, v, v, v, v, v, v, v, v, v, v, v};
         for (LogKind kind : {LogKind::single_rate, LogKind::occlusion}) {
             const std::string head = log_head(kind, rec, 'A', test_time);
             QCOMPARE(split_lines(head).size(), std::size_t(31));
-            QVERIFY(ends_with(head, CRLF));
             for (int n : {15, 17, 19, 21, 23}) QCOMPARE(line_of(head, n).size(), std::size_t(71));
             for (auto [n, column] : {std::pair{15, 23}, {15, 49}, {17, 21}, {17, 55}, {19, 21}, {19, 52}, {23, 21}})
                 QCOMPARE(line_of(head, n)[column], 'A');
-            QCOMPARE(line_of(head, 21).substr(35, 7), std::string(" ml/h  "));
-            QCOMPARE(line_of(head, 21).substr(68), std::string(" ml"));
         }
     }
 
-    // The golden logs hold a set rate without a volume; an occlusion log
-    // shows the two only together.
-    void rate_and_volume_line_data() {
-        QTest::addColumn<bool>("occlusion");
-        QTest::addColumn<QString>("rate");
-        QTest::addColumn<QString>("volume");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("single, volume only") << false << "" << "250"
-                                             << "Set Rate(s): _____________ ml/h  VTBI: 250_________________ ml";
-        QTest::newRow("occlusion, both") << true << "100" << "250"
-                                         << "Set Rate(s): 100__________ ml/h  VTBI: 250_________________ ml";
-        QTest::newRow("occlusion, volume only loses it")
-            << true << "" << "250" << "Set Rate(s): _____________ ml/h  VTBI: ____________________ ml";
-    }
-    void rate_and_volume_line() {
-        QFETCH(bool, occlusion);
-        QFETCH(QString, rate);
-        QFETCH(QString, volume);
-        QFETCH(QString, expected);
+    // An occlusion log shows the set rate and the volume only together.
+    void occlusion_rate_and_volume() {
         ReportRec rec;
-        rec.set_rates = rate.toStdString();
-        rec.vtbi = volume.toStdString();
-        const std::string head = log_head(occlusion ? LogKind::occlusion : LogKind::single_rate, rec, 'A', test_time);
-        QCOMPARE(QString::fromStdString(line_of(head, 21)), "         " + expected);
+        rec.vtbi = "250";
+        const auto line_21 = [&] { return line_of(log_head(LogKind::occlusion, rec, 'A', test_time), 21); };
+        QCOMPARE(line_21(), "         Set Rate(s): _____________ ml/h  VTBI: ____________________ ml");
+        rec.set_rates = "100";
+        QCOMPARE(line_21(), "         Set Rate(s): 100__________ ml/h  VTBI: 250_________________ ml");
     }
 
     void page_breaks_data() {
@@ -105,7 +81,7 @@ private slots:
         QCOMPARE(rows_opening_pages(log, expected.first()), QList<int>{expected.first()});
     }
 
-    // The golden logs show "p. 02"; a hundredth page takes a third digit.
+    // A hundredth page takes a third digit.
     void page_mark_of_page_100() {
         SingleRateLog log;
         log.head({}, 'A', test_time);
@@ -114,40 +90,30 @@ private slots:
         QCOMPARE(QString::fromStdString(line_of(last, 3)), QString(67, ' ') + "p. 100");
     }
 
-    // The closing lines of a log (9 blanks, technician through 20, 21
-    // underscores when empty) and of a summary (8 blanks, 21 and 22).
     void closing_lines_data() {
         QTest::addColumn<bool>("summary");
         QTest::addColumn<QString>("technician");
-        QTest::addColumn<QString>("pump_type");
         QTest::addColumn<bool>("header_entered");
         QTest::addColumn<QString>("expected");
         const QString end = "\r\n         END OF DATA\r\n\r\n";
-        QTest::newRow("log, empty technician")
-            << false << "" << "" << true
-            << end + "\r\n         Technician:_____________________ Signature:___________________\r\n";
-        QTest::newRow("log, technician and pump")
-            << false << "J. Doe" << "LVP" << true
-            << end + "         PumpType: LVP___________________ Pump Tolerance(+/- %): 2.5___\r\n\r\n"
-                     "         Technician: J. Doe______________ Signature:___________________\r\n";
-        QTest::newRow("log, no header entered") << false << "J. Doe" << "LVP" << false << end;
+        QTest::newRow("log, no pump type, named technician")  // the golden logs have the others
+            << false << "J. Doe" << true
+            << end + "\r\n         Technician: J. Doe______________ Signature:___________________\r\n";
+        QTest::newRow("log, no header entered") << false << "J. Doe" << false << end;
         const QString text = "SUMMARY Comment:\r\n";
         QTest::newRow("summary, named technician has no line end of its own")
-            << true << "J. Doe" << "" << true
+            << true << "J. Doe" << true
             << text + "\r\n        Technician: J. Doe_______________ Signature:___________________\r\n";
         QTest::newRow("summary, no header: only the print's line end")
-            << true << "J. Doe" << "Syringe" << false << text + "\r\n";
+            << true << "J. Doe" << false << text + "\r\n";
     }
     void closing_lines() {
         QFETCH(bool, summary);
         QFETCH(QString, technician);
-        QFETCH(QString, pump_type);
         QFETCH(bool, header_entered);
         QFETCH(QString, expected);
         ReportRec rec;
         rec.technician = technician.toStdString();
-        rec.pump_type = pump_type.toStdString();
-        rec.pump_tolerance = "2.5";  // without a pump type the tolerance is not shown
         const std::string collected = "SUMMARY Comment:\r\n         Technician: ____\r\n";
         const std::string out =
             summary ? summary_file_text(collected, rec, header_entered, '3') : log_close(rec, header_entered);
@@ -159,10 +125,8 @@ private slots:
         QTest::addColumn<QString>("expected");
         QTest::newRow("10 characters before Tech") << "SUMMARY\r\nRate 100\r\n         Technician: ____\r\n\a"
                                                    << "SUMMARY\r\nRate 100\r\n";
-        QTest::newRow("first Tech wins") << "SUMMARY 1234Tech\r\n          Technician" << "SUM";
         QTest::newRow("Tech at 10 keeps nothing") << "123456789Technician" << "";
         QTest::newRow("no Tech keeps all") << "SUMMARY\r\nRate 100\r\n\a" << "SUMMARY\r\nRate 100\r\n\a";
-        QTest::newRow("search is case-sensitive") << "SUMMARY\r\n technician" << "SUMMARY\r\n technician";
     }
     void tech_cut() {
         QFETCH(QString, text);
@@ -173,42 +137,28 @@ private slots:
     void summary_golden() {
         ReportRec rec{"Acme Pumps", "Volumat X", "SN-1", "C42", "ICU", "Ward 3", "100", "250", "checked", "", "LVP", "5"};
         std::string collected = test_data("logs/analyser_summary.txt");
-        QVERIFY(ends_with(collected, "\a"));
         collected.back() = '\r';  // the block with the character 7 leaves a line end in its place
         collected += '\n';
         QCOMPARE(summary_file_text(collected, rec, true, '3'), test_data("reports/summary.sum"));
     }
 
-    void golden_logs_data() {
-        QTest::addColumn<bool>("occlusion");
-        QTest::addColumn<QString>("file");
-        QTest::newRow("single rate") << false << "logs/single_rate.log";
-        QTest::newRow("occlusion") << true << "logs/occlusion.log";
-    }
     void golden_logs() {
-        QFETCH(bool, occlusion);
-        QFETCH(QString, file);
-        const ReportRec& rec = golden_record;
-        std::string text;
-        if (occlusion) {
-            OcclusionLog log;
-            text = log.head(rec, 'D', test_time);
-            for (int i = 0; i < 35; ++i) text += log.row({i / 60, i % 60, i * 0.25, i * 12.93});
-            text += log.close(rec, true);
-        } else {
-            SingleRateLog log;
-            text = log.head(rec, 'C', test_time);
-            const double flows[] = {9.999, 10, 99.999, 999.96, 1000, 1234.5, -0.5, 0};
-            for (int i = 0; i < 85; ++i)
-                text += log.row({i / 3600, (i * 30 / 60) % 60, (i * 30) % 60, i < 8 ? flows[i] : 95 + i * 0.37,
-                                 99.5 + i * 0.01, i * 0.8325, i % 2 ? 12.5 : 3});
-            text += log.close(rec, true);
-        }
-        QCOMPARE(text, test_data(file.toStdString()));
+        const ReportRec rec{"Northfield Infusion Systems Ltd", "VP-7", "000123456789", "CTL-0042",
+                            "Biomedical Eng.", "Bench 2", "100", "", "Annual check", "", "Large volume", "5"};
+        SingleRateLog single;
+        std::string text = single.head(rec, 'C', test_time);
+        const double flows[] = {9.999, 10, 99.999, 999.96, 1000, 1234.5, -0.5, 0};
+        for (int i = 0; i < 85; ++i)
+            text += single.row({i / 3600, (i * 30 / 60) % 60, (i * 30) % 60, i < 8 ? flows[i] : 95 + i * 0.37,
+                                99.5 + i * 0.01, i * 0.8325, i % 2 ? 12.5 : 3});
+        QCOMPARE(text + single.close(rec, true), test_data("logs/single_rate.log"));
+        OcclusionLog occlusion;
+        text = occlusion.head(rec, 'D', test_time);
+        for (int i = 0; i < 35; ++i) text += occlusion.row({i / 60, i % 60, i * 0.25, i * 12.93});
+        QCOMPARE(text + occlusion.close(rec, true), test_data("logs/occlusion.log"));
     }
 
-    // A test run killed while it logs keeps every row written before: each
-    // piece reaches the file as soon as it is written.
+    // A run killed while it logs keeps every row: each piece reaches the file as it is written.
     void killed_run_keeps_rows() {
         const QString path = QDir::temp().filePath(QString("kyt-killed-%1.log").arg(getpid()));
         SingleRateLog log;
