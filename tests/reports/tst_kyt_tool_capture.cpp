@@ -1,11 +1,7 @@
-// kyt-tool capture on recordings of the simulated analyser's own streams,
-// taken raw from its pseudo-terminal: the file it writes is what the
-// console's capture stores, however the recording is cut into ticks.
+// kyt-tool capture on raw recordings of the simulated analyser's streams: the
+// file it writes is what the console's capture stores.
 
-#include <QDir>
-#include <QElapsedTimer>
 #include <QSerialPort>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include "common/file_text.h"
@@ -46,10 +42,7 @@ QByteArray one_block_file(const QByteArray& recording) {
 
 QByteArray file_bytes(const QString& path) { return QByteArray::fromStdString(read_text_file(path.toStdString()).value_or("")); }
 
-QStringList entries(const QString& dir) { return QDir(dir).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name); }
-
-// What kyt-tool prints: whether the transfer ended, and the message of an
-// error reply.
+// What kyt-tool prints: whether the transfer ended, and an error reply's message.
 using Printed = QMap<QString, QString>;
 Printed printed(bool ended, ReplyError error = ReplyError::none) {
     Printed p{{"ended", ended ? "yes" : "no"}};
@@ -57,15 +50,12 @@ Printed printed(bool ended, ReplyError error = ReplyError::none) {
     return p;
 }
 
-ToolRun run_capture(const QStringList& args) { return run_kyt_tool(QStringList{"capture"} + args); }
-
 }  // namespace
 
 class tst_kyt_tool_capture : public QObject {
     Q_OBJECT
 
-    // The recordings by name. Damaged line ends and every way of cutting a
-    // transfer are the capture's own matter (tst_capture).
+    // The recordings by name; how a transfer is cut is tst_capture's matter.
     QMap<QString, QByteArray> recordings_;
 
 private slots:
@@ -74,17 +64,12 @@ private slots:
         Sim sim({"--seed", "5"});
         QVERIFY(sim.ready());
         const QByteArray summary = record(sim.link, command_download('A', download_summary));
-        const QByteArray log = record(sim.link, command_download('A', download_data_log));
         QVERIFY(summary.contains("SUMMARY") && summary.endsWith(BELL));
-        QVERIFY(log.contains("END OF DATA") && log.endsWith(BELL));
         recordings_["summary"] = summary;
-        recordings_["log"] = log;
-        // The "not running" answer to a poll sent before the download.
         recordings_["e, then summary"] = "e\r\n" + summary;
     }
 
-    // What the tool prints, its exit code and the file it leaves, however
-    // it is told to cut the recording into ticks.
+    // What the tool prints, its exit code and the file it leaves.
     void runs_data() {
         QTest::addColumn<QByteArray>("content");  // a recording's name, or "summary, cut": the summary without its end
         QTest::addColumn<QString>("raw");
@@ -97,34 +82,24 @@ private slots:
             QTest::newRow(name) << content << raw << args << exit_code << expected << written;
         };
         const QByteArray summary = "summary";
-        const Printed not_connected = printed(false, ReplyError::not_connected);
         row("summary, 64 a tick", summary, "s.raw", {"{raw}"}, 0, printed(true), "s.dat");
-        row("summary, a byte a tick", summary, "s.raw", {"{raw}", "--blocks", "1"}, 0, printed(true), "s.dat");
         row("summary, ticks with nothing", summary, "s.raw", {"{raw}", "--blocks", "3,0,7"}, 0, printed(true), "s.dat");
-        row("summary, one huge block", summary, "s.raw", {"{raw}", "--blocks", "100000000"}, 0, printed(true), "s.dat");
-        row("data log, 64 a tick", "log", "l.raw", {"{raw}"}, 0, printed(true), "l.dat");
-        // A poll's reply ahead of the transfer is told only when a tick ends
-        // between its CR and LF.
+        // A poll's reply ahead of the transfer is told when a tick ends between its CR and LF.
         row("poll reply ahead, CR and LF apart", "e, then summary", "p.raw", {"{raw}", "--blocks", "2,64"}, 0,
             printed(true, ReplyError::not_running), "p.dat");
-        row("poll reply ahead, 64 a tick", "e, then summary", "p.raw", {"{raw}"}, 0, printed(true), "p.dat");
         row("cut before the end", "summary, cut", "cut.raw", {"{raw}"}, 1, printed(false));
-        row("not connected, n CR", "n\r", "n.raw", {"{raw}"}, 2, not_connected);
-        row("not connected, n CR LF in 2-byte blocks", "n\r\n", "n.raw", {"{raw}", "--blocks", "2"}, 2, not_connected);
+        row("not connected", "n\r", "n.raw", {"{raw}"}, 2, printed(false, ReplyError::not_connected));
         row("--out names the file", summary, "s.raw", {"--out", "{dir}/report.txt", "{raw}"}, 0, printed(true),
             "report.txt");
         row("a recording without extension", summary, "capture", {"{raw}"}, 0, printed(true), "capture.dat");
         row("no recording named", summary, "s.raw", {}, 3);
-        row("two recordings", summary, "s.raw", {"{raw}", "{raw}"}, 3);
         row("recording missing", summary, "s.raw", {"{dir}/none.raw"}, 3);
-        row("recording is a folder", summary, "s.raw", {"{dir}/sub"}, 3);
-        for (const char* list : {"3,,7", "3,", "-1", "4,x", "+4", "0,0", "99999999999999999999999", ""})
+        for (const char* list : {"3,,7", "0,0"})
             row(qPrintable(QString("--blocks \"%1\"").arg(list)), summary, "s.raw", {"{raw}", "--blocks", list}, 3);
         row("--blocks without a value", summary, "s.raw", {"{raw}", "--blocks"}, 3);
         row("unknown option", summary, "s.raw", {"{raw}", "--fast"}, 3);
         row("output would replace the recording", summary, "s.dat", {"{raw}"}, 3);
         row("output folder missing", summary, "s.raw", {"{raw}", "--out", "{dir}/none/s.dat"}, 3, printed(true));
-        row("output is a folder", summary, "s.raw", {"{raw}", "--out", "{dir}/sub"}, 3, printed(true));
     }
     void runs() {
         QFETCH(QByteArray, content);
@@ -137,21 +112,19 @@ private slots:
         if (recordings_.contains(content)) content = recordings_.value(content);
         if (content == "summary, cut") content = summary.left(summary.size() - 40);
         QTemporaryDir dir;
-        QVERIFY(QDir(dir.path()).mkdir("sub"));
         QVERIFY(write_text_file(dir.filePath(raw).toStdString(), content.toStdString()));
         for (QString& a : args) a.replace("{raw}", dir.filePath(raw)).replace("{dir}", dir.path());
 
-        const ToolRun r = run_capture(args);
+        const ToolRun r = run_kyt_tool(QStringList{"capture"} + args);
         QCOMPARE(r.exit_code, exit_code);
         QCOMPARE(r.values, expected);
         QCOMPARE(r.lines, QStringList{});
         QCOMPARE(r.error.isEmpty(), exit_code != 3);
         // Nothing but the file asked for is left behind, the recording untouched.
-        QStringList left{raw, "sub"};
+        QStringList left{raw};
         if (!written.isEmpty()) left << written;
         left.sort();
-        QCOMPARE(entries(dir.path()), left);
-        QVERIFY(entries(dir.filePath("sub")).isEmpty());
+        QCOMPARE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name), left);
         QCOMPARE(file_bytes(dir.filePath(raw)), content);
         if (!written.isEmpty()) QCOMPARE(file_bytes(dir.filePath(written)), one_block_file(content));
     }
