@@ -172,24 +172,6 @@ private slots:
         QCOMPARE(!ops.empty() && ops.front() == "close" && ops.back() == "open", port == 4);
         QVERIFY(!forms::is_loaded<frmChangePort>());
     }
-
-    // The unsaved choice survives a visit to another program; moving to
-    // another window of the console and back resets it.
-    void choice_kept_while_away_from_the_console() {
-        test::install_test_services();
-        frmMain* m = forms::get<frmMain>();
-        m->show();
-        auto* f = forms::get<frmChangePort>();
-        f->show();
-        QApplication::setActiveWindow(f);
-        QTest::mouseClick(option(f, 4), Qt::LeftButton);
-        QApplication::setActiveWindow(nullptr);
-        QApplication::setActiveWindow(f);
-        QVERIFY(option(f, 4)->isChecked());
-        QApplication::setActiveWindow(m);
-        QApplication::setActiveWindow(f);
-        QVERIFY(option(f, 2)->isChecked());
-    }
 };
 
 QTEST_MAIN(tst_comm_ports)

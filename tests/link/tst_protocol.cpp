@@ -100,11 +100,6 @@ private slots:
                                                   << QList<double>{8, 8, 8, 7.5, 7.5, 7.5, 7.5} << "";
         QTest::newRow("fewer fields repeat the last") << false << QByteArray("A, 1, 2") << QChar('A')
                                                       << QList<double>{1, 2, 2, 2, 2, 2, 2} << "";
-        QTest::newRow("? CR LF is data with zeros") << false << QByteArray("?\r\n") << QChar('?')
-                                                    << QList<double>{0, 0, 0, 0, 0, 0, 0} << "";
-        QTest::newRow("range is the first character only") << false << QByteArray("HI, 0, 0, 5, 1, 2, 3, 4")
-                                                            << QChar('H')
-                                                            << QList<double>{0, 0, 5, 1, 2, 3, 4} << "";
         QTest::newRow("words read 0") << false << QByteArray("A, x, 2, y, high, 5, low, 7") << QChar('A')
                                       << QList<double>{0, 2, 0, 0, 5, 0, 7} << "";
         QTest::newRow("times round halves to even") << false << QByteArray("A, 2.5, 3.5, -0.5, 1, 1, 1, 1")
