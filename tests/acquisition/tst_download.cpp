@@ -7,7 +7,6 @@
 #include "acquisition/frmHeader.h"
 #include "acquisition/logformat.h"
 #include "common/file_text.h"
-#include "reports/frmReports.h"
 #include "common/forms.h"
 #include "common/shared_state.h"
 #include "support/form_script.h"
@@ -17,8 +16,6 @@ using namespace kyt;
 
 namespace {
 
-const QString no_mode = "You must select a Channel or a Mode type.";
-const QString gave_up = "Saving file cancelled";
 
 QStringList texts(const auto& items, auto text_of) {
     QStringList out;
@@ -32,7 +29,6 @@ class tst_download : public QObject {
     Q_OBJECT
 private slots:
     void initTestCase() {
-        forms::register_form<frmReports>();
         // The live test screens' names, so that the dialog offers real time.
         for (const char* screen : {"frmRTGraph", "frmOTGraph"}) forms::register_factory(screen, [] { return new QWidget; });
     }
@@ -43,49 +39,8 @@ private slots:
         for (LogFile* f : {&run_logs().rt_file, &run_logs().ot_file}) f->close();
     }
 
-    // OK refused with an error box, or passed on; the channel is read either way.
+    // OK refused, or a live run started: the Save dialogs in order, the first log's head, the start command.
     void ok_outcomes_data() {
-        QTest::addColumn<QStringList>("clicks");
-        QTest::addColumn<QString>("box");
-        QTest::addColumn<int>("accepted");
-        QTest::addColumn<QString>("channel");
-        QTest::newRow("no mode") << QStringList{"optChannelC", "CmdOK"} << no_mode << 0 << "C";
-        QTest::newRow("Real-Time with neither test")
-            << QStringList{"optRealTime", "CmdOK"} << "You must complete the Real Time criteria." << 0 << "A";
-        QTest::newRow("an earlier complete OK lets an incomplete one pass")
-            << QStringList{"chkSaveFile", "optRealTime", "chkSingle", "chkTestAuto", "CmdOK", "chkSingle", "CmdOK"}
-            << "" << 2 << "A";
-    }
-    void ok_outcomes() {
-        QFETCH(QStringList, clicks);
-        QFETCH(QString, box);
-        QFETCH(int, accepted);
-        QFETCH(QString, channel);
-        auto t = test::install_test_services();
-        t.serial->set_port_open(true);
-        frmDownload* f = test::open_fresh<frmDownload>();
-        int signals_seen = 0;
-        connect(f, &frmDownload::options_accepted, f, [&] {
-            ++signals_seen;
-            RunState& run = shared().run;  // the run does not go on, and leaves nothing under way
-            run.download_ok = run.rt_pending = run.ot_pending = run.rt_running = run.ot_running = false;
-        });
-        // A report on screen loses its Print entry when no mode is chosen.
-        QAction* print = forms::get("frmReports")->findChild<QAction*>("mnuPrint");
-        print->setEnabled(true);
-        t.boxes->expect(box.isEmpty() ? 0 : 1);
-        for (const QString& step : clicks) test::run_script(f, {"press:" + step});
-        QCOMPARE(print->isEnabled(), box != no_mode);
-        forms::unload("frmReports");
-        QCOMPARE(texts(t.boxes->shown, [](const auto& b) { return b.text; }), box.isEmpty() ? QStringList{} : QStringList{box});
-        if (!box.isEmpty()) test::expect_box(t.boxes->shown[0], box.toStdString(), 16, "ERROR");
-        QCOMPARE(signals_seen, accepted);
-        QCOMPARE(QString(QChar(shared().port.channel)), channel);
-        QVERIFY(forms::is_loaded<frmDownload>() && !f->isHidden());
-    }
-
-    // A live run's start: the Save dialogs in order, the first log's head, the start command.
-    void real_time_start_data() {
         QTest::addColumn<QStringList>("clicks");
         QTest::addColumn<QStringList>("names");   // answers of the Save dialogs; "" gives up
         QTest::addColumn<bool>("header");         // the header asked, a set rate typed in
@@ -94,19 +49,24 @@ private slots:
         QTest::addColumn<QString>("sent");
         QTest::addColumn<QStringList>("logs");    // each named file afterwards: "" empty, else its test's name
         const QString rt = "SAVE REAL TIME DATA";
+        QTest::newRow("no mode") << QStringList{"optChannelC", "CmdOK"} << QStringList{} << false << QStringList{}
+                                 << QStringList{"You must select a Channel or a Mode type."} << "" << QStringList{};
+        QTest::newRow("Real-Time with neither test")
+            << QStringList{"optRealTime", "CmdOK"} << QStringList{} << false << QStringList{}
+            << QStringList{"You must complete the Real Time criteria."} << "" << QStringList{};
         QTest::newRow("single rate with a header (and its legend), started by hand")
             << QStringList{"optRealTime", "chkSingle", "CmdOK"} << QStringList{"a.log"} << true << QStringList{rt}
             << QStringList{"Please start Marovant and then press 'OK'"} << "GRA1\r" << QStringList{"SINGLE RATE TEST"};
         QTest::newRow("the summary given up ends the run before any head")
             << QStringList{"optRealTime", "chkSingle", "chkReport", "CmdOK"} << QStringList{"a.log", ""} << false
-            << QStringList{rt, "SAVE REAL TIME DATA SUMMARY"} << QStringList{gave_up} << "" << QStringList{""};
+            << QStringList{rt, "SAVE REAL TIME DATA SUMMARY"} << QStringList{"Saving file cancelled"} << "" << QStringList{""};
         // A full disk shows only when the head is flushed.
         QTest::newRow("a head that cannot be written is asked again")
             << QStringList{"optRealTime", "chkSingle", "chkTestAuto", "CmdOK"} << QStringList{"/dev/full", "c.log"}
             << false << QStringList{rt, rt} << QStringList{"Bad file name for real-time data"} << "RTA1\r"
             << QStringList{"", "SINGLE RATE TEST"};
     }
-    void real_time_start() {
+    void ok_outcomes() {
         QFETCH(QStringList, clicks);
         QFETCH(QStringList, names);
         QFETCH(bool, header);

@@ -11,49 +11,29 @@
 
 using namespace kyt;
 
-Q_DECLARE_METATYPE(kyt::ReportRec)
-
 namespace {
 
-bool bold(frmHeader* f, const char* label) { return f->findChild<QLabel*>(label)->font().bold(); }
-
-QWidget* focused() { return QApplication::focusWidget(); }
-
 const ReportRec sample_rec{"Old maker", "", "", "", "", "", "10", "", "", "Old tech", "", ""};
-
-QStringList fields_of(const ReportRec& r) {
-    QStringList out;
-    for (const std::string* f : {&r.manufacturer, &r.model, &r.serial_no, &r.control_no, &r.department, &r.location,
-                                 &r.set_rates, &r.vtbi, &r.comment, &r.technician, &r.pump_type, &r.pump_tolerance})
-        out << qs(*f);
-    return out;
-}
 
 }  // namespace
 
 class tst_header : public QObject {
     Q_OBJECT
 private slots:
-    // What Continue looks at: mandatory fields only, in field-number order.
+    // Continue looks at mandatory fields only: a volume that is not a number stops it only when mandatory.
     void first_unfit_data() {
-        QTest::addColumn<QStringList>("texts");  // fields 0 to 10
         QTest::addColumn<QList<int>>("mandatory");
         QTest::addColumn<int>("unfit");  // -1: all in order
-        const QStringList empty(11, "");
-        QStringList vtbi_x(11, "a");
-        vtbi_x[1] = "x";
-        vtbi_x[4] = "5";  // the set rate, a number
-        QTest::newRow("field order, not tab order") << empty << QList<int>{9, 6} << 6;
-        QTest::newRow("mandatory volume not numeric") << vtbi_x << QList<int>{0, 1} << 1;
-        QTest::newRow("optional volume not numeric passes") << vtbi_x << QList<int>{0, 4} << -1;
-        QTest::newRow("the spare twelfth flag is not a field") << empty << QList<int>{11} << -1;
+        QTest::newRow("mandatory volume not numeric") << QList<int>{0, 1} << 1;
+        QTest::newRow("optional volume not numeric passes") << QList<int>{0, 4} << -1;
     }
     void first_unfit() {
-        QFETCH(QStringList, texts);
         QFETCH(QList<int>, mandatory);
         QFETCH(int, unfit);
         HeaderEntries e;
-        for (int i = 0; i < kHeaderFieldCount; ++i) e.field[static_cast<std::size_t>(i)] = ss(texts[i]);
+        e.field.fill("a");
+        e.field[1] = "x";  // the volume
+        e.field[4] = "5";  // the set rate, a number
         MandatoryFlags flags{};
         for (int i : mandatory) flags[static_cast<std::size_t>(i)] = true;
         QCOMPARE(first_unfit_field(e, flags).value_or(-1), unfit);
@@ -78,7 +58,7 @@ private slots:
         shared().run.header_is_single_rate = single_rate;
         shared().report_rec = sample_rec;
         frmHeader* f = test::open_fresh<frmHeader>();
-        QCOMPARE(bold(f, "lblFlowRate"), required);
+        QCOMPARE(f->findChild<QLabel*>("lblFlowRate")->font().bold(), required);
         test::run_script(f, {"focus:txtComment", "type:no rate", "press:cmdContinue"});
         QCOMPARE(forms::is_loaded<frmHeader>(), required);
         QCOMPARE(int(t.boxes->shown.size()), int(required));
@@ -86,7 +66,7 @@ private slots:
         test::expect_box(t.boxes->shown[0],
                          "One or more mandatory fields are empty.\r\nPlease fill in all mandatory fields.", 48,
                          "Mandatory Field Error");
-        QCOMPARE(focused(), f->findChild<QWidget*>("cmbHdr_4"));
+        QCOMPARE(QApplication::focusWidget(), f->findChild<QWidget*>("cmbHdr_4"));
         QCOMPARE(shared().report_rec, sample_rec);
         test::run_script(f, {"type:25", "press:cmdContinue"});
         QVERIFY(!forms::is_loaded<frmHeader>());
@@ -121,35 +101,8 @@ private slots:
         QCOMPARE(int(t.boxes->shown.size()), refusals);
         for (const auto& box : t.boxes->shown) test::expect_box(box, "Invalid entry, entry must be numeric.", 16, "ERROR");
         QCOMPARE(forms::is_loaded<frmHeader>(), !focus.isEmpty());
-        if (!focus.isEmpty()) QCOMPARE(focused(), f->findChild<QWidget*>(focus));
+        if (!focus.isEmpty()) QCOMPARE(QApplication::focusWidget(), f->findChild<QWidget*>(focus));
         QCOMPARE(shared().report_set_rate, set_rate);
-    }
-
-    // The record: fields trimmed but the last three; the close box leaves it as it was.
-    void record_data() {
-        QTest::addColumn<QStringList>("script");  // "close" at its end: the close box
-        QTest::addColumn<ReportRec>("expected");
-        QTest::newRow("fields typed")
-            << QStringList{"focus:cmbHdr_0", "type: Acme ", "focus:txtComment", "type:  fine  ", "focus:cmbHdr_2",
-                           "type: Ann ", "focus:cmbHdr_7", "type: LVP", "focus:cmbHdr_8", "type:5 ", "press:cmdContinue"}
-            << ReportRec{"Acme", "", "", "", "", "", "", "", "fine", " Ann ", " LVP", "5 "};
-        QTest::newRow("the close box keeps the record")
-            << QStringList{"focus:cmbHdr_0", "type:New maker", "focus:cmbHdr_2", "type:New tech", "close"} << sample_rec;
-    }
-    void record() {
-        QFETCH(QStringList, script);
-        QFETCH(ReportRec, expected);
-        auto t = test::install_test_services();
-        shared().report_rec = sample_rec;
-        shared().run.header_entered = false;
-        frmHeader* f = test::open_fresh<frmHeader>();
-        const bool close = script.last() == "close";
-        test::run_script(f, close ? script.mid(0, script.size() - 1) : script);
-        if (close) f->close();
-        test::flush_deletes();
-        QVERIFY(!forms::is_loaded<frmHeader>() && t.boxes->shown.empty());
-        QCOMPARE(fields_of(shared().report_rec), fields_of(expected));
-        QCOMPARE(shared().run.header_entered, !close);
     }
 };
 

@@ -31,13 +31,12 @@ QString flags_of(const RunState& run) {
     return set.join(' ');
 }
 
-// The files named by "rt_log rt_sum ot_log ot_sum", those not named left empty.
-Folders files_of(const QString& names) {
+Folders all_files() {
     Folders f;
-    f.rt_log_file = names.contains("rt_log") ? "/w/rt.log" : "";
-    f.rt_sum_file = names.contains("rt_sum") ? "/w/rt.sum" : "";
-    f.ot_log_file = names.contains("ot_log") ? "/w/ot.log" : "";
-    f.ot_sum_file = names.contains("ot_sum") ? "/w/ot.sum" : "";
+    f.rt_log_file = "/w/rt.log";
+    f.rt_sum_file = "/w/rt.sum";
+    f.ot_log_file = "/w/ot.log";
+    f.ot_sum_file = "/w/ot.sum";
     return f;
 }
 
@@ -47,77 +46,44 @@ QStringList described(const RunActions& actions) {
     return out;
 }
 
-const QStringList rt_ends = {"stop_timer frmRTGraph.GetDataTimer", "stop_timer frmRTGraph.DurationTimer",
-                             "stop_current_test"};
-const QString restore = "restore_pointer frmRTGraph";
-
 }  // namespace
 
 class tst_run_phases : public QObject {
     Q_OBJECT
 private slots:
-    // The phases the runs against the simulator in tst_live_e2e do not reach.
-    void next_phase_data() {
-        QTest::addColumn<QString>("before");
-        QTest::addColumn<QString>("files");
-        QTest::addColumn<bool>("printer");  // the summary printed by the analyser
-        QTest::addColumn<QStringList>("actions");
-        QTest::addColumn<QString>("after");
-        QTest::newRow("single rate ends, summary printed by the analyser")
-            << "rt_running" << "" << true
-            << rt_ends + QStringList{"send PRB1\\r", "unload_form frmRTGraph", restore} << "";
-        QTest::newRow("summary wanted without a file: its phase, nothing shown")
-            << "rt_running rt_sum_on" << "" << false << rt_ends + QStringList{restore} << "rt_sum_on rt_sum_running";
-        QTest::newRow("occlusion ends without Save to File: the log stays open")
-            << "ot_running ot_pending ot_log_on" << "ot_log" << false
-            << QStringList{"stop_current_test", "stop_timer frmOTGraph.GetDataTimer",
-                           "stop_timer frmOTGraph.DurationTimer", "unload_form frmOTGraph", restore}
-            << "ot_log_on";
-        QTest::newRow("the single-rate phase is decided first")
-            << "rt_running ot_running" << "" << false << rt_ends + QStringList{"unload_form frmRTGraph", restore}
-            << "ot_running";
-    }
-    void next_phase() {
-        QFETCH(QString, before);
-        QFETCH(QString, files);
-        QFETCH(bool, printer);
-        QFETCH(QStringList, actions);
-        QFETCH(QString, after);
-        RunState run = state_of(before);
+    // A single-rate run's end with the summary left to the analyser's printer (the simulator runs save it).
+    void summary_to_the_printer() {
+        RunState run = state_of("rt_running");
         RunChoice choice;
         choice.channel = 'B';
-        choice.summary_to_printer = printer;
-        QCOMPARE(described(beginnextproc(run, files_of(files), choice)), actions);
-        QCOMPARE(flags_of(run), after);
+        choice.summary_to_printer = true;
+        QCOMPARE(described(beginnextproc(run, all_files(), choice)),
+                 (QStringList{"stop_timer frmRTGraph.GetDataTimer", "stop_timer frmRTGraph.DurationTimer", "stop_current_test",
+                              "send PRB1\\r", "unload_form frmRTGraph", "restore_pointer frmRTGraph"}));
+        QCOMPARE(flags_of(run), QString());
     }
 
     // Cancel: every timer stopped, the unfinished files thrown away.
     void stop_all_data() {
         QTest::addColumn<QString>("before");
         QTest::addColumn<QStringList>("deleted");  // what goes besides the timers, the stop and the main window
-        QTest::addColumn<QString>("after");
         QTest::newRow("single rate with its log: the log is thrown away")
-            << "rt_running rt_pending rt_selected rt_log_on" << QStringList{"discard_log frmRTGraph /w/rt.log"} << "";
+            << "rt_running rt_pending rt_selected rt_log_on" << QStringList{"discard_log frmRTGraph /w/rt.log"};
         QTest::newRow("occlusion running: both summaries' and its log's files go")
             << "ot_running ot_pending ot_selected rt_sum_on ot_log_on rt_log_on"
             << QStringList{"discard_log frmRTGraph /w/rt.log", "delete_file /w/rt.sum",
-                           "discard_log frmOTGraph /w/ot.log"}
-            << "";
-        QTest::newRow("the occlusion summary phase is left as it is") << "ot_sum_running ot_sum_on" << QStringList{}
-                                                                      << "ot_sum_running";
+                           "discard_log frmOTGraph /w/ot.log"};
     }
     void stop_all() {
         QFETCH(QString, before);
         QFETCH(QStringList, deleted);
-        QFETCH(QString, after);
         RunState run = state_of(before);
         const QStringList timers = {"stop_timer frmRTGraph.GetDataTimer", "stop_timer frmRTGraph.GetSumTimer",
                                     "stop_timer frmRTGraph.DurationTimer", "stop_timer frmOTGraph.GetDataTimer",
                                     "stop_timer frmOTGraph.GetSumTimer", "stop_timer frmOTGraph.DurationTimer"};
-        const Folders files = files_of("rt_log rt_sum ot_log ot_sum");
-        QCOMPARE(described(stopalltests(run, files)),
+        QCOMPARE(described(stopalltests(run, all_files())),
                  timers + QStringList{"stop_current_test"} + deleted + QStringList{"show_form frmMain"});
-        QCOMPARE(flags_of(run), after);
+        QCOMPARE(flags_of(run), QString());
     }
 };
 

@@ -2,7 +2,6 @@
 
 #include <QtTest>
 
-#include <QAction>
 #include <QCheckBox>
 #include <QPlainTextEdit>
 #include <QRadioButton>
@@ -14,7 +13,6 @@
 #include "reports/capture.h"
 #include "reports/frmReports.h"
 #include "support/console_e2e.h"
-#include "support/kyt_tool_run.h"
 
 using namespace kyt;
 using namespace kyt::test;
@@ -85,8 +83,7 @@ private slots:
         QVERIFY(saved_download(m.constData(), {"--seed", "3", "--split", "--damage-line-ends"}) == clean);
     }
 
-    // A log far longer than the capture screen holds lands whole and in order,
-    // and the report editor, storing it again, converts it as kyt-tool does.
+    // A log far longer than the capture screen holds lands whole and in order.
     void long_log_in_pages_and_converted() {
         SimConsole c({"--speed", "7200", "--seed", "6"});
         QVERIFY(c.sim.ready());
@@ -107,21 +104,6 @@ private slots:
         QVERIFY2(rows > 1000 && text.find("p. 21") != std::string::npos, qPrintable(QString::number(rows)));
         QVERIFY(text.find("END OF DATA") > text.rfind("p. "));
 
-        QTemporaryDir tool_dir;
-        QVERIFY(QFile::copy(log, tool_dir.filePath("long.log")));
-        QCOMPARE(run_kyt_tool({"csv", tool_dir.filePath("long.log")}).exit_code, 0);
-        forms::loaded<frmMain>()->findChild<QAction*>("mnuEdit")->trigger();
-        frmReports* editor = forms::loaded<frmReports>();
-        QVERIFY(editor && editor->isVisible());
-        c.t.dialogs->queue(ss(log));  // Open, then the conversion's own name
-        editor->findChild<QAction*>("mnuOpen")->trigger();
-        c.t.dialogs->queue(ss(log));
-        c.t.boxes->expect();
-        editor->findChild<QAction*>("mnuConvertPrn")->trigger();
-        QCOMPARE(c.t.boxes->shown.back().text, std::string("Successful conversion"));
-        const std::string ours = text_of(c.work.filePath("long.CSV"));
-        QVERIFY(ours.find("Elasped") != std::string::npos);
-        QCOMPARE(ours, text_of(tool_dir.filePath("long.CSV")));
     }
 
     // The analyser gone mid-log: the port closed, nothing stored half, and
