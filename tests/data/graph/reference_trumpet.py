@@ -1,5 +1,4 @@
-# Works out the figures and trumpet tables that tst_log_reader (with its
-# kyt-tool info rows), tst_trumpet_compute and tst_trumpet_settings hold as constants,
+# Works out the figures and trumpet tables that tst_trumpet_compute holds as constants,
 # from the log reader's and the trumpet's rules, without the console's code:
 #   python3 reference_trumpet.py single_rate_130min.log
 import math, struct, sys
