@@ -56,7 +56,7 @@ private slots:
     void tool() {
         QTemporaryDir dir;
         const std::string log = test_data("logs/single_rate.log");
-        for (const char* name : {"good.log", "good.LOG", "blanks.log", "folder.log"})
+        for (const char* name : {"good.log", "good.LOG", "folder.log"})
             QVERIFY(write_text_file(dir.filePath(name).toStdString(), log));
         QVERIFY(write_text_file(dir.filePath("cut.log").toStdString(), log.substr(0, log.find("END OF DATA"))));
         QVERIFY(QDir(dir.path()).mkdir("folder.CSV"));
@@ -74,9 +74,6 @@ private slots:
         QCOMPARE(read_text_file(dir.filePath("cut.CSV").toStdString()).value_or(""),
                  convert_log_text(log.substr(0, log.find("END OF DATA"))).csv);
         QVERIFY(!QFileInfo::exists(dir.filePath("none.CSV")));
-        // Blanks around a name stand around the whole path.
-        QCOMPARE(int(convert_log_to_csv("  " + dir.filePath("blanks.log").toStdString() + " ").outcome),
-                 int(CsvOutcome::converted));
         QCOMPARE(run_kyt_tool({"csv"}).exit_code, 2);
     }
 };

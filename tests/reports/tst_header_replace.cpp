@@ -1,6 +1,5 @@
 #include <QtTest>
 
-#include "common/file_text.h"
 #include "reports/header_replace.h"
 
 using namespace kyt;
@@ -71,14 +70,6 @@ private slots:
         QCOMPARE(QString::fromStdString(replace_header(labels, rec, '1')), QString::fromStdString(expected));
     }
 
-    void past_the_end_writes_nothing() {
-        ReportRec rec;
-        rec.manufacturer = "Acme";
-        const std::string tiny = "Comment:";  // too short for the manufacturer's offset
-        QCOMPARE(replace_header(tiny, rec, '1'), tiny);
-        QCOMPARE(replace_header("", rec, '1'), "\n        Comment: " + std::string(54, '_') + "\r");
-    }
-
     // Without a "Comment:" label the comment gets a line behind the title,
     // cut at the line's end.
     void comment_line() {
@@ -114,41 +105,6 @@ private slots:
         expected += "\nVolume: 5 ml\r\n";
         QCOMPARE(QString::fromStdString(replace_header(text, rec, mode.at(0).toLatin1())),
                  QString::fromStdString(expected));
-    }
-
-    void report_for_header_data() {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("header_wanted");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("without Start, Time: or Set the arithmetic runs from the start")
-            << "ab\r\ncd" << -1 << "ab\r\n\r\n\r\nab\r\ncd";
-        QTest::newRow("value 1 writes rate and volume, and a comment line")
-            << "        Start Rate(s): __ VTBI: __ Time: 09:05\r\n        Set Rate\r\n" << 1
-            << "        Start Rate(s): 25 VTBI:\r\n        Comment: note" + QString(50, '_') +
-                   "\r\n 50 Time:\r\n\r\n        ";
-    }
-    void report_for_header() {
-        QFETCH(QString, text);
-        QFETCH(int, header_wanted);
-        QFETCH(QString, expected);
-        const ReportRec rec{"", "", "", "", "", "", "25", "50", "note", "", "", ""};
-        QCOMPARE(QString::fromStdString(
-                     kyt::report_for_header(text.toStdString(), rec, static_cast<std::int16_t>(header_wanted))),
-                 expected);
-    }
-
-    // The file picked is joined behind the head, line by line; no name is a cancel.
-    void open_with_file() {
-        QTemporaryDir dir;
-        const std::string path = dir.filePath("join.log").toStdString();
-        QVERIFY(write_text_file(path, "line one\r\nline two"));
-        const std::string report = "        Start of Test - Time: 09:05\r\n        Set Rate";
-        const ReportForHeader joined = open_report_for_header(report, {}, -1, "  " + path + " ");
-        QVERIFY(!joined.message);
-        QCOMPARE(joined.report_text, std::string("        Start of Test - Time:\r\n\r\n        line one\r\nline two\r\n"));
-        const ReportForHeader cancelled = open_report_for_header(report, {}, -1, "   ");
-        QCOMPARE(cancelled.message->text, std::string_view("Opening file cancelled."));
-        QCOMPARE(cancelled.report_text, std::string("        Start of Test - Time:\r\n\r\n        "));
     }
 };
 

@@ -22,18 +22,13 @@ private slots:
     void whole_capture_data() {
         QTest::addColumn<QByteArray>("stale");  // waiting in the port when the form loads
         QTest::addColumn<QString>("chosen");    // "": the save folder is writable; else the name picked instead
-        QTest::addColumn<QStringList>("boxes");
-        const QString bad = "Bad report file name";
         // An error reply left in the port must not be read as part of this capture.
-        QTest::newRow("stale input dropped at load") << QByteArray("e\r") << "" << QStringList{};
-        QTest::newRow("unwritable folder, name chosen") << QByteArray() << "chosen.sum" << QStringList{bad};
-        QTest::newRow("unwritable folder, none chosen")
-            << QByteArray() << "-" << QStringList{bad, "Saving report cancelled."};
+        QTest::newRow("stale input dropped at load") << QByteArray("e\r") << "";
+        QTest::newRow("unwritable folder, name chosen") << QByteArray() << "chosen.sum";
     }
     void whole_capture() {
         QFETCH(QByteArray, stale);
         QFETCH(QString, chosen);
-        QFETCH(QStringList, boxes);
         auto t = test::install_test_services();
         QTemporaryDir home;
         const QString unwritable = home.path() + "/no-such-folder";
@@ -41,10 +36,10 @@ private slots:
         s.dirs.save_dir = (chosen.isEmpty() ? home.path() : unwritable).toStdString();
         s.run.download_mode = '1';
         s.port.channel = 'B';
-        if (!chosen.isEmpty()) t.dialogs->queue(chosen == "-" ? "" : home.filePath(chosen).toStdString());
+        if (!chosen.isEmpty()) t.dialogs->queue(home.filePath(chosen).toStdString());
         t.serial->set_port_open(true);
         t.serial->feed(stale.toStdString());
-        t.boxes->expect(boxes.size());
+        t.boxes->expect(chosen.isEmpty() ? 0 : 1);
         const long readings_before = t.clock->readings();
 
         forms::unload<frmReports>();
@@ -69,24 +64,16 @@ private slots:
         }
         test::flush_deletes();
 
-        QCOMPARE(t.boxes->shown.size(), std::size_t(boxes.size()));
-        for (int i = 0; i < boxes.size(); ++i)
-            QVERIFY2(QString::fromStdString(t.boxes->shown[i].text).startsWith(boxes[i]), t.boxes->shown[i].text.c_str());
+        QCOMPARE(t.boxes->shown.size(), std::size_t(chosen.isEmpty() ? 0 : 1));
+        if (!chosen.isEmpty()) QVERIFY(t.boxes->shown[0].text.starts_with("Bad report file name"));
         QVERIFY(forms::is_loaded<frmReports>() && !form->GetDataTimer.isActive());
-        const QString written = chosen.isEmpty() || chosen == "-" ? QString::fromStdString(s.dirs.save_dir) + "/tempfile.dat"
-                                                                  : home.filePath(chosen);
-        const bool file_written = chosen != "-";
-        QCOMPARE(QFileInfo::exists(written), file_written);
-        QCOMPARE(cmdPrint->isEnabled(), file_written);
-        QVERIFY(!QFileInfo::exists(unwritable));
-        if (file_written) {
-            QCOMPARE(read_text_file(written.toStdString()).value_or("(none)"), expected);
-            QVERIFY(!s.run.report_pending);
-            QCOMPARE(form->findChild<QPlainTextEdit*>("txtData")->toPlainText().toStdString(),
-                     std::string(end_of_download_text));
-        }
+        const QString written = chosen.isEmpty() ? home.filePath("tempfile.dat") : home.filePath(chosen);
+        QCOMPARE(read_text_file(written.toStdString()).value_or("(none)"), expected);
+        QVERIFY(cmdPrint->isEnabled() && !s.run.report_pending && !QFileInfo::exists(unwritable));
+        QCOMPARE(form->findChild<QPlainTextEdit*>("txtData")->toPlainText().toStdString(),
+                 std::string(end_of_download_text));
         // A name picked instead becomes the save folder, stored for the next start.
-        if (file_written && !chosen.isEmpty()) {
+        if (!chosen.isEmpty()) {
             QCOMPARE(QString::fromStdString(s.dirs.save_dir), home.path());
             QCOMPARE(QString::fromStdString(t.settings->get_setting("kyt", "startup", "savedir", "")), home.path());
         }
