@@ -11,7 +11,12 @@ namespace kyt {
 
 std::optional<std::string> read_text_file(const std::string& path, std::uintmax_t max_bytes) {
     std::error_code ec;
-    if (std::filesystem::is_directory(path, ec)) return std::nullopt;
+    // A folder is no text; a pipe or a socket would hold the open until some
+    // other program wrote to it.
+    const auto type = std::filesystem::status(path, ec).type();
+    if (type == std::filesystem::file_type::directory || type == std::filesystem::file_type::fifo ||
+        type == std::filesystem::file_type::socket)
+        return std::nullopt;
     const auto size = std::filesystem::file_size(path, ec);
     if (!ec && size > max_bytes) return std::nullopt;
     std::FILE* f = std::fopen(path.c_str(), "rb");

@@ -10,7 +10,7 @@
 namespace kyt {
 
 // The file's bytes, or nothing when it cannot be opened or read (a folder,
-// or a file too large to hold), or when it holds more than max_bytes: a
+// a pipe, or a file too large to hold), or when it holds more than max_bytes: a
 // file whose size says so is refused before anything is read, and one that
 // goes on past it (a device) once it has.
 std::optional<std::string> read_text_file(const std::string& path, std::uintmax_t max_bytes = UINTMAX_MAX);

@@ -1,12 +1,12 @@
-// Every place that reads a file, given the same bad files: a bad one is told
-// in the place's own words and nothing is written; changed line ends or a
-// name outside ASCII read as the original.
+// Every place that reads a file, given the same bad files: a bad one is told in the place's own words and
+// nothing is written; changed line ends or a name outside ASCII read as the original.
+
+#include <sys/stat.h>
 
 #include <QtTest>
 
-#include <QtWidgets>
-
 #include "app/frmMain.h"
+#include "common/file_text.h"
 #include "common/qt_text.h"
 #include "graph/frmGraph.h"
 #include "graph/log_reader.h"
@@ -89,8 +89,7 @@ struct Row {
         t.dialogs->queue(ss_file(source_dir + good));
         menu(form, "mnuOpen");
     }
-    // Runs `act` (the file unreadable in that row) and checks it shows the message `boxes` times.
-    // A file dialog answers with the file: the real dialog, typed into, for a name outside ASCII.
+    // Runs `act` and checks the message shows `boxes` times; a name outside ASCII goes through the real dialog.
     void run(const std::function<void()>& act, int boxes = 1) {
         const test::NoReadPermission guard(kind == "unreadable" ? ss_file(path) : "");
         QTimer poll;
@@ -142,6 +141,14 @@ private slots:
     void cleanup() {
         for (const char* f : {"frmReports", "frmGraph", "frmKYTHelp", "frmKYTOverview", "frmMain"}) forms::unload(f);
         test::flush_deletes();
+    }
+
+    // A named pipe picked as a file is refused at once instead of waiting for a writer.
+    void a_pipe_is_no_file() {
+        QTemporaryDir work;
+        const QString pipe = work.filePath("pump.log");
+        QVERIFY(mkfifo(qPrintable(pipe), 0600) == 0);
+        QVERIFY(!read_text_file(ss_file(pipe)).has_value());
     }
 
     void editor_open_data() {
@@ -230,8 +237,7 @@ private slots:
         QCOMPARE(listing(r.work.path()), r.before);
     }
 
-    // kyt.ini at start-up, then a setting saved: defaults where it cannot be read, a damaged file
-    // kept aside and told, a file it could read loses nothing when written again.
+    // kyt.ini at start-up, then a setting saved: defaults where unreadable, a damaged file kept aside and told.
     void settings_at_start_data() {
         rows({"", ini_damaged, "", "", "", ini_damaged, ini_unwritable, ini_unwritable, "", ini_damaged});
     }
