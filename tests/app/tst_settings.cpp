@@ -2,7 +2,6 @@
 
 #include "app/settings/ini_settings_store.h"
 #include "app/settings/read_ini.h"
-#include "support/memory_settings_store.h"
 #include "support/test_services.h"
 
 using namespace kyt;
@@ -10,8 +9,7 @@ using namespace kyt;
 class tst_settings : public QObject {
     Q_OBJECT
 private slots:
-    // The port and the series as stored (Comm 2 and series C when none is),
-    // the folders from the start folder unless one is stored, written back.
+    // The port and series as stored (Comm 2, series C when none is), the folders from the start folder, written back.
     void read_at_start_data() {
         QTest::addColumn<QString>("comm");  // "-": nothing stored
         QTest::addColumn<QString>("series");
@@ -51,8 +49,7 @@ private slots:
         QCOMPARE(stored, folders);
     }
 
-    // Names in any spelling find one key, kept as first written, read again
-    // by the next store; values keep their text, commas and blanks too.
+    // Names in any spelling find one key, kept as first written; values keep their commas and blanks.
     void names_are_found_without_regard_to_case() {
         const QString folder = test::fresh_settings_folder();
         {
@@ -78,23 +75,6 @@ private slots:
         store.save_setting("kyt", "Startup", "comm", "3");
         const std::string why = store.flush();
         QVERIFY2(why.find("kyt.ini could not be written") != std::string::npos, why.c_str());
-    }
-
-    // The folder of a chosen name; the key lags, holding the save folder as it was before.
-    void remember_save_dir_data() {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("folder");
-        QTest::newRow("file in a folder") << "/data/a/b.log" << "/data/a";
-        QTest::newRow("name without a folder") << "b.log" << "";
-        QTest::newRow("empty path writes nothing") << "" << "";
-        QTest::newRow("folder with a closing separator") << "/data/a/" << "/data/a";
-    }
-    void remember_save_dir() {
-        QFETCH(QString, path);
-        QFETCH(QString, folder);
-        MemorySettingsStore store;
-        QCOMPARE(QString::fromStdString(kyt::remember_save_dir(store, "/old/save", path.toStdString())), folder);
-        QCOMPARE(store.get_setting("kyt", "startup", "savedir", "-"), path.isEmpty() ? "-" : std::string("/old/save"));
     }
 };
 

@@ -1,17 +1,12 @@
-// The chart and the printer, read back by readers that are not the writers:
-// image files by ImageMagick or by hand (the metafile), PDF files by poppler.
+// The chart, printer, message boxes and file dialogs; files read back by other readers (ImageMagick, poppler).
 
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QtEndian>
 #include <QtTest>
+#include <QtWidgets>
 #include <cmath>
-#include <limits>
 
+#include "app/dialogs/file_dialogs.h"
 #include "common/chart.h"
 #include "common/image_files.h"
-#include "common/message_boxes.h"
 #include "common/printer.h"
 #include "common/qt_text.h"
 #include "common/services.h"
@@ -29,16 +24,11 @@ namespace {
 
 // A chart as the stored-log graph shows one: three sets, the third on the right axis.
 void fill_sample(Chart& c) {
-    c.set_title("Data Log Graph");
     c.set_set_count(3);
-    for (int s = 1; s <= 3; ++s) c.set_legend_text(s, s == 3 ? "Volume" : "Flow");
     c.set_axis_of(3, ChartAxis::right);
     c.set_axis_title(ChartAxis::left, "Flow (ml/hr)");
-    c.set_axis_title(ChartAxis::right, "Volume (ml)");
     c.set_range(ChartAxis::x, 0, 60);
-    c.set_tick_step(ChartAxis::x, 10, 5);
     c.set_range(ChartAxis::left, 80, 120);
-    c.set_tick_divisions(ChartAxis::left, 4);
     for (int i = 0; i <= 120; ++i) {
         c.add_point(1, i * 0.5, 100 + 12 * std::sin(i / 6.0));
         c.add_point(2, i * 0.5, 100 + 2 * std::sin(i / 40.0));
@@ -52,30 +42,6 @@ QImage decode_with_magick(const QString& path) {
     p.start("convert", {path, "-depth", "8", "ppm:-"});
     if (!p.waitForFinished(30000) || p.exitCode() != 0) return {};
     return QImage::fromData(p.readAllStandardOutput(), "PPM");
-}
-
-// The metafile read by hand: the size and resolution of its placeable header,
-// and the bitmap of its STRETCHDIB record as a BMP file.
-QImage decode_wmf(const QString& path, QSize* size, int* units_per_inch) {
-    QFile f(path);
-    const QByteArray b = f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    const auto u16 = [&](qsizetype at) { return qFromLittleEndian<quint16>(b.constData() + at); };
-    const auto u32 = [&](qsizetype at) { return qFromLittleEndian<quint32>(b.constData() + at); };
-    QImage out;
-    if (b.size() < 40 || u32(0) != 0x9AC6CDD7) return out;
-    *size = QSize(qint16(u16(10)) - qint16(u16(6)), qint16(u16(12)) - qint16(u16(8)));
-    *units_per_inch = u16(14);
-    // Records follow the placeable header (22 bytes) and the header, whose length is in its second word.
-    for (qsizetype at = 22 + 2 * u16(24), len = 0; at + 6 <= b.size(); at += len) {
-        len = 2 * qsizetype(u32(at));
-        if (len < 6 || at + len > b.size()) break;
-        if (u16(at + 4) != 0x0F43) continue;  // STRETCHDIB: 22 bytes of parameters, then the DIB
-        QByteArray bmp = "BM" + QByteArray(12, '\0') + b.mid(at + 28, len - 28);
-        qToLittleEndian<quint32>(quint32(bmp.size()), bmp.data() + 2);
-        qToLittleEndian<quint32>(14 + u32(at + 28), bmp.data() + 10);  // no colour table at 24 bits a pixel
-        out.loadFromData(bmp, "BMP");
-    }
-    return out;
 }
 
 // Mean difference per channel (0..255) between two images of one size.
@@ -94,8 +60,7 @@ QStringList files_in(const QString& folder) { return QDir(folder).entryList(QDir
 
 constexpr double margin_inches = 0.25;  // the PDF page's printable area starts here
 
-// A job written as steps: "L:text" a line, "P:text" text on the line, "Z"
-// next print zone, "X:inches", "F:name:points[:b][:i]" a font.
+// Steps: "L:text" a line, "P:text" on the line, "Z" next zone, "X:inches", "F:name:points[:b][:i]" a font.
 void carry_out(Printer& printer, const QStringList& steps) {
     for (const QString& step : steps) {
         const QString arg = step.section(':', 1);
@@ -114,82 +79,69 @@ void carry_out(Printer& printer, const QStringList& steps) {
     }
 }
 
+// Runs `inspect` on the modal dialog once it is up.
+template <class D, class F>
+void when_shown(F inspect) {
+    auto* timer = new QTimer;
+    QObject::connect(timer, &QTimer::timeout, [timer, inspect] {
+        if (auto* d = qobject_cast<D*>(QApplication::activeModalWidget())) {
+            timer->stop();
+            timer->deleteLater();
+            inspect(d);
+        }
+    });
+    timer->start(10);
+}
+
 }  // namespace
 
 class TestChart : public QObject {
     Q_OBJECT
 
 private slots:
-    void image_file_read_back_data() {
+    // A full disk keeps the old file and names the path.
+    void image_file_data() {
         QTest::addColumn<ImageFormat>("format");
         QTest::addColumn<QString>("name");
         QTest::addColumn<double>("tolerance");  // mean difference per channel
-        QTest::newRow("bitmap") << ImageFormat::bmp << "chart.bmp" << 0.0;
-        QTest::newRow("gif") << ImageFormat::gif << "chart.gif" << 2.0;
-        QTest::newRow("metafile") << ImageFormat::wmf << "chart.wmf" << 0.0;
+        QTest::addColumn<int>("disk_space");    // bytes a file may take; 0: no limit
+        QTest::newRow("bitmap") << ImageFormat::bmp << "chart.bmp" << 0.0 << 0;
+        QTest::newRow("gif") << ImageFormat::gif << "chart.gif" << 2.0 << 0;
+        QTest::newRow("disk full keeps the old bitmap") << ImageFormat::bmp << "chart.bmp" << 0.0 << 4096;
     }
-    void image_file_read_back() {
+    void image_file() {
         QFETCH(ImageFormat, format);
         QFETCH(QString, name);
         QFETCH(double, tolerance);
+        QFETCH(int, disk_space);
         QTemporaryDir dir;
         const QString path = dir.filePath(name);
+        QFile old(path);
+        QVERIFY(!disk_space || (old.open(QIODevice::WriteOnly) && old.write("old content") == 11));
+        old.close();
         const QSize size(640, 400);
         Chart chart;
         fill_sample(chart);
-        QCOMPARE(chart.write_image(ss(path), format, size), std::string());
-        QCOMPARE(files_in(dir.path()), QStringList{name});
-        QSize wmf_size;
-        int units_per_inch = 96;
-        const QImage read = format == ImageFormat::wmf ? decode_wmf(path, &wmf_size, &units_per_inch)
-                                                       : decode_with_magick(path);
-        if (format == ImageFormat::wmf) QCOMPARE(wmf_size, size);
-        QCOMPARE(units_per_inch, 96);
+        std::string error;
+        {
+            FileSizeLimit limit(static_cast<rlim_t>(disk_space));
+            error = chart.write_image(ss(path), format, size);
+        }
+        QCOMPARE(files_in(dir.path()), QStringList{name});  // no temporary left
+        if (disk_space) {
+            QVERIFY2(error.find(ss(path)) != std::string::npos, error.c_str());
+            QVERIFY(old.open(QIODevice::ReadOnly));
+            QCOMPARE(old.readAll(), QByteArray("old content"));
+            return;
+        }
+        QCOMPARE(error, std::string());
+        const QImage read = decode_with_magick(path);
         QCOMPARE(read.size(), size);
         const double diff = mean_difference(read, chart.to_image(size));
         QVERIFY2(diff <= tolerance, qPrintable(QString::number(diff)));
         QImage blank(size, QImage::Format_RGB32);
         blank.fill(Qt::white);
         QVERIFY(mean_difference(read, blank) > 1);
-    }
-
-    void image_file_not_written_data() {
-        QTest::addColumn<QString>("target");  // in a temporary folder
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<int>("disk_space");  // bytes a file may take; 0: no limit
-        QTest::newRow("name is a folder") << "sub" << QSize(200, 100) << 0;
-        QTest::newRow("size zero keeps the old file") << "old.wmf" << QSize(0, 100) << 0;
-        QTest::newRow("size too large keeps the old file") << "old.jpg" << QSize(max_image_side + 1, 100) << 0;
-        QTest::newRow("disk full keeps the old bitmap") << "old.bmp" << QSize(200, 100) << 4096;
-        QTest::newRow("disk full keeps the old metafile") << "old.wmf" << QSize(200, 100) << 4096;
-    }
-    void image_file_not_written() {
-        QFETCH(QString, target);
-        QFETCH(QSize, size);
-        QFETCH(int, disk_space);
-        QTemporaryDir dir;
-        QDir(dir.path()).mkdir("sub");
-        const QStringList olds{"plain.txt", "old.wmf", "old.jpg", "old.bmp"};
-        for (const QString& name : olds) {
-            QFile f(dir.filePath(name));
-            QVERIFY(f.open(QIODevice::WriteOnly) && f.write("old content") == 11);
-        }
-        const QStringList before = files_in(dir.path());
-        Chart chart;
-        fill_sample(chart);
-        const std::string path = ss(dir.filePath(target));
-        std::string error;
-        {
-            FileSizeLimit limit(static_cast<rlim_t>(disk_space));
-            error = chart.write_image(path, *image_format_of(ss(target == "sub" ? "x.bmp" : target)), size);
-        }
-        QVERIFY2(!error.empty() && error.find(path) != std::string::npos, error.c_str());
-        QCOMPARE(files_in(dir.path()), before);  // no new file, no temporary left
-        for (const QString& name : olds) {
-            QFile f(dir.filePath(name));
-            QVERIFY(f.open(QIODevice::ReadOnly));
-            QCOMPARE(f.readAll(), QByteArray("old content"));
-        }
     }
 
     void what_is_drawn_data() {
@@ -215,11 +167,6 @@ private slots:
         std::vector<double> x, y;
         for (int i = 0; i < 10; ++i) x.push_back(i), y.push_back(10.0 * i);
         QVERIFY(chart.set_points(1, x, y));
-        // Values the chart refuses leave the set as it was.
-        QVERIFY(!chart.add_point(1, 10, std::numeric_limits<double>::quiet_NaN()));
-        QVERIFY(!chart.add_point(1, std::numeric_limits<double>::infinity(), 1));
-        QVERIFY(!chart.add_point(2, 10, 1));
-        QVERIFY(!chart.set_points(1, {1, 2}, {1}));
         chart.set_drawn_points(first, last);
         chart.set_range(ChartAxis::x, x_min, 9);
         chart.set_curve_style(1, hidden ? CurveStyle::hidden : CurveStyle::line);
@@ -279,45 +226,107 @@ private slots:
         QVERIFY2(run("pdffonts", {pdf}).contains(font), qPrintable(run("pdffonts", {pdf})));
     }
 
+    // With no printer a job becomes a PDF file, told by its path; a file that cannot be written is told as an error.
     void pdf_file_told_data() {
-        QTest::addColumn<QString>("folder");  // in a temporary folder
         QTest::addColumn<int>("disk_space");  // bytes a file may take; 0: no limit
-        QTest::addColumn<bool>("prints");
-        QTest::addColumn<bool>("written");
-        QTest::addColumn<QString>("told");  // the title of the box: PRINTED (information) or ERROR (critical)
-        QTest::newRow("written and told") << "" << 0 << true << true << "PRINTED";
-        QTest::newRow("folder missing") << "missing" << 0 << true << false << "ERROR";
-        QTest::newRow("disk full") << "" << 2048 << true << false << "ERROR";
-        QTest::newRow("nothing printed") << "" << 0 << false << false << "";
+        QTest::newRow("written and told") << 0;
+        QTest::newRow("disk full") << 2048;
     }
     void pdf_file_told() {
-        QFETCH(QString, folder);
         QFETCH(int, disk_space);
-        QFETCH(bool, prints);
-        QFETCH(bool, written);
-        QFETCH(QString, told);
         QTemporaryDir dir;
         auto* boxes = new ScriptedMessageBoxes;
         services().boxes.reset(boxes);
-        if (!told.isEmpty()) boxes->expect();
-        const QString pdf_folder = folder.isEmpty() ? dir.path() : dir.filePath(folder);
-        QtPrinter printer(QtPrinterOptions{.always_pdf = true, .pdf_folder = ss(pdf_folder), .pdf_name = "report.pdf"});
-        const std::string path = ss(pdf_folder + "/report.pdf");
+        boxes->expect();
+        QtPrinter printer(QtPrinterOptions{.always_pdf = true, .pdf_folder = ss(dir.path()), .pdf_name = "report.pdf"});
+        const std::string path = ss(dir.filePath("report.pdf"));
+        const bool written = disk_space == 0;
         {
             FileSizeLimit limit(static_cast<rlim_t>(disk_space));
-            // A line is taken unless the folder is missing.
-            if (prints) QCOMPARE(printer.print_line("Report line") && printer.print_line("Another"), folder.isEmpty());
-            QCOMPARE(printer.end_job(), written || !prints);
+            QVERIFY(printer.print_line("Report line") && printer.print_line("Another"));
+            QCOMPARE(printer.end_job(), written);
         }
         QCOMPARE(printer.last_pdf(), written ? path : std::string());
         QCOMPARE(files_in(dir.path()), written ? QStringList{"report.pdf"} : QStringList{});
-        QCOMPARE(static_cast<int>(boxes->shown.size()), told.isEmpty() ? 0 : 1);
-        if (!told.isEmpty()) {
-            QCOMPARE(qs(boxes->shown[0].title), told);
-            QCOMPARE(boxes->shown[0].style, told == "PRINTED" ? box_information : box_critical);
-            QVERIFY2(boxes->shown[0].text.find(path) != std::string::npos, boxes->shown[0].text.c_str());
-        }
-        if (!written && prints) QVERIFY(printer.error().find(path) != std::string::npos);
+        QCOMPARE(static_cast<int>(boxes->shown.size()), 1);
+        QCOMPARE(qs(boxes->shown[0].title), written ? "PRINTED" : "ERROR");
+        QCOMPARE(boxes->shown[0].style, written ? box_information : box_critical);
+        QVERIFY2(boxes->shown[0].text.find(path) != std::string::npos, boxes->shown[0].text.c_str());
+        if (!written) QVERIFY(printer.error().find(path) != std::string::npos);
+    }
+
+    // Icon, buttons (the default first) and answer of a style; CR, CR LF and LF each one line break on screen.
+    void message_box_styles_data() {
+        QTest::addColumn<int>("style");
+        QTest::addColumn<int>("icon");
+        QTest::addColumn<QString>("buttons");
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("16 critical") << 16 << int(QMessageBox::Critical) << "OK" << int(answer_ok)
+                                     << "Line one\r\rLine two";
+        QTest::newRow("48 exclamation") << 48 << int(QMessageBox::Warning) << "OK" << int(answer_ok)
+                                        << "Line one\r\n\r\nLine two";
+        QTest::newRow("292 question, No default") << 292 << int(QMessageBox::Question) << "No Yes" << int(answer_no)
+                                                  << "Line one\n\nLine two";
+    }
+    void message_box_styles() {
+        QFETCH(int, style);
+        QFETCH(int, icon);
+        QFETCH(QString, buttons);
+        QFETCH(int, answer);
+        QFETCH(QString, text);
+        QString seen;
+        when_shown<QMessageBox>([&](QMessageBox* box) {
+            QStringList others;
+            for (QAbstractButton* b : box->buttons())
+                if (b != box->defaultButton()) others << b->text().remove('&');
+            others.prepend(box->defaultButton()->text().remove('&'));
+            seen = QString("%1|%2|%3|%4").arg(box->icon()).arg(others.join(' '), box->windowTitle(), box->text());
+            box->defaultButton()->click();
+        });
+        QCOMPARE(QtMessageBoxes().show(text.toStdString(), style, "TITLE"), answer);
+        QCOMPARE(seen, QString("%1|%2|TITLE|Line one\n\nLine two").arg(icon).arg(buttons));
+    }
+
+    // A name typed without an extension takes the chosen filter's; giving up returns nothing.
+    void file_dialog_data() {
+        QTest::addColumn<bool>("save");
+        QTest::addColumn<QString>("typed");  // empty: the dialog is given up
+        QTest::addColumn<QString>("chosen");
+        QTest::newRow("open an existing file") << false << "pump.log" << "pump.log";
+        QTest::newRow("save takes the filter's extension") << true << "newlog" << "newlog.log";
+        QTest::newRow("save given up") << true << "" << "";
+    }
+    void file_dialog() {
+        QFETCH(bool, save);
+        QFETCH(QString, typed);
+        QFETCH(QString, chosen);
+        QTemporaryDir dir;
+        QVERIFY(QFile(dir.filePath("pump.log")).open(QIODevice::WriteOnly));
+        CommonDialog d;
+        d.title = "LOG FILE";
+        d.filter = "Log Files (*.log)| *.log|All files (*.*) | *.*|Lost";  // an odd piece at the end is left out
+        d.default_ext = "LOG";
+        d.initial_dir = dir.path().toStdString();
+        d.flags = save ? 2062 : 6156;
+        QString seen;
+        when_shown<QFileDialog>([&](QFileDialog* dlg) {
+            seen = QString("%1|%2|%3|mode %4|accept %5|confirm %6")
+                       .arg(dlg->windowTitle(), dlg->directory().absolutePath(), dlg->nameFilters().join(';'))
+                       .arg(dlg->fileMode())
+                       .arg(dlg->acceptMode())
+                       .arg(!dlg->testOption(QFileDialog::DontConfirmOverwrite));
+            if (typed.isEmpty()) return dlg->reject();
+            dlg->findChild<QLineEdit*>("fileNameEdit")->setText(typed);
+            QMetaObject::invokeMethod(dlg, "accept");
+        });
+        QtFileDialogs dialogs;
+        const std::string got = save ? dialogs.show_save(d) : dialogs.show_open(d);
+        QCOMPARE(QString::fromStdString(got), chosen.isEmpty() ? QString() : dir.filePath(chosen));
+        QCOMPARE(seen, QString("LOG FILE|%1|Log Files (*.log);All files (*)|mode %2|accept %3|confirm 1")
+                           .arg(QDir(dir.path()).absolutePath())
+                           .arg(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile)
+                           .arg(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen));
     }
 };
 

@@ -1,10 +1,7 @@
 #pragma once
 // A simulated analyser behind a link in a temporary folder, at the other end of a real serial line.
 
-#include <QElapsedTimer>
-#include <QFileInfo>
-#include <QProcess>
-#include <QTemporaryDir>
+#include <QtCore>
 
 namespace kyt::test {
 
@@ -16,9 +13,7 @@ public:
         link = dir.path() + "/port";
         process.start(sim_binary(), QStringList{"--link", link} + args);
         if (!process.waitForStarted(5000)) return;
-        QElapsedTimer t;
-        t.start();
-        while (!process.canReadLine() && t.elapsed() < 5000) process.waitForReadyRead(100);
+        for (QDeadlineTimer d(5000); !process.canReadLine() && !d.hasExpired();) process.waitForReadyRead(100);
         device = QString::fromLocal8Bit(process.readLine()).trimmed();
     }
     ~Sim() { stop(); }

@@ -1,18 +1,9 @@
 #pragma once
-// The console as the end-to-end tests run it: the main window on a real line to
-// the simulated analyser, saving into a folder of its own.
-
-#include <QComboBox>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTimer>
-#include <QtTest>
+// The console on a real line to the simulated analyser, saving into a folder of its own.
 
 #include "acquisition/frmHeader.h"
 #include "app/frmMain.h"
 #include "common/file_text.h"
-#include "common/forms.h"
 #include "common/qt_text.h"
 #include "link/qt_serial_line.h"
 #include "support/analyser_sim.h"
@@ -26,9 +17,8 @@ struct Console {
     QTemporaryDir work;
 };
 
-// The simulator behind Comm `comm`, the other ports on devices that do not
-// exist; Comm 2 is left unstored, being the default.
-inline void start_console(Console& c, const QString& link, int comm = 1) {
+// The simulator behind Comm `comm`, the other ports on no device; Comm 2, the default, unstored.
+inline void start_console(Console& c, const QString& link, int comm) {
     c.t = install_test_services();
     for (int n = 1; n <= 4; ++n)
         c.t.settings->save_setting("kyt", "Ports", "comm" + std::to_string(n),
@@ -38,7 +28,6 @@ inline void start_console(Console& c, const QString& link, int comm = 1) {
     services().serial = std::make_unique<QtSerialLine>(*c.t.settings);
     forms::get<frmMain>();
 }
-inline void start_console(Console& c, const Sim& sim, int comm = 1) { start_console(c, sim.link, comm); }
 
 // The forms unloaded, the main window last, and the line closed.
 inline void close_console() {
@@ -53,7 +42,7 @@ inline void close_console() {
 struct SimConsole : Console {
     Sim sim;
     explicit SimConsole(const QStringList& sim_args, int comm = 1) : sim(sim_args) {
-        if (sim.ready()) start_console(*this, sim, comm);
+        if (sim.ready()) start_console(*this, sim.link, comm);
     }
 };
 

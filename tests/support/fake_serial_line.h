@@ -3,17 +3,13 @@
 #include <algorithm>
 #include <deque>
 #include <set>
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include "link/serial_line.h"
 
 namespace kyt {
 
-// A line in memory: ports in `failing` cannot open, each command sent is kept
-// in `commands`, `feed` makes text wait in the input, and every operation is
-// noted in `ops` so that tests can check their order.
+// A line in memory: ports in `failing` do not open; commands sent, and every operation in order, are kept.
 class FakeSerialLine final : public SerialLine {
 public:
     void set_port_number(int n) override { port_ = n, note("port " + std::to_string(n)); }
@@ -50,8 +46,7 @@ public:
     void reply_next(std::string_view text) { replies_.emplace_back(text); }
 
     std::set<int> failing;
-    std::vector<std::string> commands;
-    std::vector<std::string> ops;
+    std::vector<std::string> commands, ops;
     int input_len = 0;
 
 private:

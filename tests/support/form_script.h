@@ -1,22 +1,11 @@
 #pragma once
-// Drives a shown form as an operator does, from a short script (run_script):
-// "focus:NAME", "type:TEXT", "enter", "tab", "backspace", "left", "erase" (all
-// of the field), "pick:N" (from the combo box's list), "click:NAME" (a mouse
-// click), "press:NAME" (the click without a change of focus); pending events
-// are served after each step.
+// Forms driven as an operator does; run_script's steps: "focus:NAME", "type:TEXT", "enter", "tab", "left",
+// "pick:N" (a combo box's item), "click:NAME" (the mouse), "press:NAME" (no change of focus).
 
 #include <QtTest>
-
-#include <QAbstractButton>
-#include <QApplication>
-#include <QComboBox>
-#include <QLineEdit>
-
-#include <functional>
-#include <string>
+#include <QtWidgets>
 
 #include "common/forms.h"
-#include "common/message_boxes.h"
 #include "support/scripted_boxes.h"
 
 namespace kyt::test {
@@ -47,8 +36,7 @@ F* open_fresh() {
     return f;
 }
 
-// Runs `act` on the named form once it is on show (the modal dialog the next
-// step opens); drop_waits() drops any still pending.
+// Runs `act` on the named form once it is on show; drop_waits() drops any still pending.
 inline void when_shown(const QString& name, std::function<void(QWidget*)> act) {
     auto* poll = new QTimer(QCoreApplication::instance());
     poll->setObjectName("when_shown");
@@ -62,10 +50,7 @@ inline void when_shown(const QString& name, std::function<void(QWidget*)> act) {
     poll->start(5);
 }
 
-inline void drop_waits() {
-    for (QTimer* poll : QCoreApplication::instance()->findChildren<QTimer*>("when_shown", Qt::FindDirectChildrenOnly))
-        delete poll;
-}
+inline void drop_waits() { qDeleteAll(qApp->findChildren<QTimer*>("when_shown", Qt::FindDirectChildrenOnly)); }
 
 inline void expect_box(const ScriptedMessageBoxes::Box& box, const std::string& text, int style,
                        const std::string& title) {
@@ -75,8 +60,7 @@ inline void expect_box(const ScriptedMessageBoxes::Box& box, const std::string& 
 }
 
 inline void run_script(QWidget* form, const QStringList& steps) {
-    static const QHash<QString, Qt::Key> keys{
-        {"enter", Qt::Key_Return}, {"tab", Qt::Key_Tab}, {"backspace", Qt::Key_Backspace}, {"left", Qt::Key_Left}};
+    static const QHash<QString, Qt::Key> keys{{"enter", Qt::Key_Return}, {"tab", Qt::Key_Tab}, {"left", Qt::Key_Left}};
     for (const QString& step : steps) {
         const QString verb = step.section(':', 0, 0);
         const QString arg = step.section(':', 1);
@@ -90,9 +74,6 @@ inline void run_script(QWidget* form, const QStringList& steps) {
             QTest::keyClicks(focus, arg);
         } else if (keys.contains(verb)) {
             QTest::keyClick(focus, keys.value(verb));
-        } else if (verb == "erase") {
-            QTest::keyClick(focus, Qt::Key_A, Qt::ControlModifier);
-            QTest::keyClick(focus, Qt::Key_Backspace);
         } else if (verb == "pick") {
             auto* box = qobject_cast<QComboBox*>(focus);
             QVERIFY(box);

@@ -1,15 +1,12 @@
 #pragma once
-// Runs the built kyt-tool and splits what it prints into "key: value" pairs
-// and the other lines.
-#include <QMap>
-#include <QProcess>
-#include <QStringList>
+// Runs the built kyt-tool; what it prints split into "key: value" pairs and other lines.
+#include <QtCore>
 
 struct ToolRun {
     int exit_code = -1;
-    QStringList lines;               // stdout lines without "key: value" form
-    QMap<QString, QString> values;   // stdout "key: value" lines
-    QString error;                   // stderr, trimmed
+    QStringList lines;
+    QMap<QString, QString> values;
+    QString error;  // stderr, trimmed
 };
 
 inline ToolRun run_kyt_tool(const QStringList& args) {

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <map>
-#include <string>
-#include <string_view>
 #include <tuple>
 
 #include "app/settings/settings_store.h"
@@ -24,9 +22,6 @@ public:
     }
     void delete_setting(std::string_view app, std::string_view section, std::string_view key) override {
         values_.erase(make_key(app, section, key));
-    }
-    bool contains(std::string_view app, std::string_view section, std::string_view key) const {
-        return values_.count(make_key(app, section, key)) != 0;
     }
 
 private:

@@ -1,7 +1,4 @@
 #pragma once
-// A file this process cannot read, whoever runs the test: while the guard
-// lives its mode is 000 and, for root, the capabilities that pass over file
-// permissions are out of the effective set (still permitted, taken back after).
 
 #include <linux/capability.h>
 #include <sys/stat.h>
@@ -9,10 +6,10 @@
 #include <unistd.h>
 
 #include <string>
-#include <utility>
 
 namespace kyt::test {
 
+// A file this process cannot read, even as root (mode 000, file-permission capabilities dropped).
 class NoReadPermission {
 public:
     explicit NoReadPermission(std::string path) : path_(std::move(path)) {
@@ -23,8 +20,6 @@ public:
         if (taken_) change_effective(0, taken_);
         if (!path_.empty()) ::chmod(path_.c_str(), 0600);
     }
-    NoReadPermission(const NoReadPermission&) = delete;
-    NoReadPermission& operator=(const NoReadPermission&) = delete;
 
 private:
     static constexpr __u32 dac_bits = (1u << CAP_DAC_OVERRIDE) | (1u << CAP_DAC_READ_SEARCH);

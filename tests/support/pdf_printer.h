@@ -7,8 +7,7 @@
 
 namespace kyt::test {
 
-// The real printer writing each job as a new PDF file into the folder (found
-// by last_pdf()), telling nobody where it went, so that no box comes.
+// The real printer writing each job as a new PDF file into the folder (see last_pdf()), telling no box.
 class PdfPrinter final : public QtPrinter {
 public:
     explicit PdfPrinter(const QString& folder)

@@ -1,14 +1,7 @@
 #pragma once
 // Printed PDF files read back with poppler's tools.
 
-#include <algorithm>
-#include <cmath>
-
-#include <QList>
-#include <QProcess>
-#include <QRegularExpression>
-#include <QString>
-#include <QStringList>
+#include <QtCore>
 
 namespace kyt::test {
 
@@ -32,38 +25,11 @@ inline QList<PdfWord> words_of(const QString& pdf) {
     int page = 0;
     static const QRegularExpression tag(R"re(<page |<word xMin="([0-9.]+)" yMin="([0-9.]+)"[^>]*>([^<]*)</word>)re");
     for (auto m = tag.globalMatch(run("pdftotext", {"-bbox", pdf, "-"})); m.hasNext();) {
-        const auto match = m.next();
-        if (match.captured(0).startsWith("<page"))
-            ++page;
-        else
-            words.append({page, match.captured(1).toDouble() / 72.0, match.captured(3),
-                          match.captured(2).toDouble() / 72.0});
+        const auto w = m.next();
+        if (w.captured(0).startsWith("<page")) ++page;
+        else words.append({page, w.captured(1).toDouble() / 72.0, w.captured(3), w.captured(2).toDouble() / 72.0});
     }
     return words;
-}
-
-// The lines of fixed-pitch text on a page, with their blanks: a word at the
-// column of its left edge, `pitch` inches a column from `left`; tops within a
-// twentieth of an inch share a line.
-inline QStringList fixed_pitch_lines(const QList<PdfWord>& words, int page, double left, double pitch) {
-    QList<PdfWord> on_page;
-    for (const PdfWord& w : words)
-        if (w.page == page) on_page << w;
-    std::stable_sort(on_page.begin(), on_page.end(), [](const PdfWord& a, const PdfWord& b) {
-        return a.y_inches + 0.05 < b.y_inches || (std::abs(a.y_inches - b.y_inches) <= 0.05 && a.x_inches < b.x_inches);
-    });
-    QStringList lines;
-    double line_top = -1;
-    for (const PdfWord& w : on_page) {
-        if (lines.isEmpty() || std::abs(w.y_inches - line_top) > 0.05) {
-            lines << QString();
-            line_top = w.y_inches;
-        }
-        QString& line = lines.last();
-        const int column = static_cast<int>(std::lround((w.x_inches - left) / pitch));
-        line = line.leftJustified(std::max<int>(column, line.size() + (line.isEmpty() ? 0 : 1)), ' ') + w.text;
-    }
-    return lines;
 }
 
 inline QRegularExpressionMatch pdf_info(const QString& pdf, const QString& pattern) {

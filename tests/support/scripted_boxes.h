@@ -1,20 +1,15 @@
 #pragma once
-// Message boxes a test answers, every one recorded. A box is expected only
-// when the test said so beforehand (answer, or expect for its default button);
-// any other fails the running test, unless the test allows any, and then it
-// gets its default.
 
 #include <QTest>
 
-#include <cstddef>
 #include <deque>
-#include <string>
 #include <vector>
 
 #include "common/message_boxes.h"
 
 namespace kyt {
 
+// Boxes answered as scripted (answer, expect) and recorded; an unscripted one fails the test.
 class ScriptedMessageBoxes final : public MessageBoxes {
 public:
     struct Box {
@@ -32,11 +27,9 @@ public:
         answers_.pop_front();
         return a == default_answer ? box_default_answer(style) : a;
     }
-
     void answer(int a) { answers_.push_back(a); }
     void expect(std::size_t n = 1) { answers_.insert(answers_.end(), n, default_answer); }
     void allow_any() { strict_ = false; }
-    std::size_t pending() const { return answers_.size(); }  // scripted boxes that have not come
 
     std::vector<Box> shown;
 

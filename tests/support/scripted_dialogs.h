@@ -1,7 +1,6 @@
 #pragma once
 
 #include <deque>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -9,9 +8,7 @@
 
 namespace kyt {
 
-// File dialogs answering with the names a test queued ("" or none: given up),
-// keeping every request; fail_next makes the next show throw, as a dialog that
-// cannot come up.
+// File dialogs answering with the names queued ("" or none: given up); fail_next: the next throws.
 class ScriptedFileDialogs final : public FileDialogs {
 public:
     std::string show_open(const CommonDialog& d) override { return answer(d, false); }

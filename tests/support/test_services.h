@@ -1,7 +1,5 @@
 #pragma once
-// The services a form test runs on: the real INI settings store in the test's
-// own temporary home (set by CTest), a serial line in memory, message boxes
-// and file dialogs the test answers, and a clock that does not really wait.
+// A form test's services: the INI store in the test's own home, the doubles of the rest.
 
 #include <QDir>
 
@@ -30,11 +28,11 @@ inline QString fresh_settings_folder() {
     return folder;
 }
 
-inline TestServices install_test_services(bool fresh_store = true) {
+inline TestServices install_test_services() {
     Services& s = services();
     s.settings.reset();  // the old store writes what it holds before the folder is emptied
-    TestServices t{new IniSettingsStore(fresh_store ? fresh_settings_folder() : QString()), new FakeSerialLine,
-                   new ScriptedMessageBoxes, new ScriptedFileDialogs, new SteppingClock};
+    TestServices t{new IniSettingsStore(fresh_settings_folder()), new FakeSerialLine, new ScriptedMessageBoxes,
+                   new ScriptedFileDialogs, new SteppingClock};
     s.settings.reset(t.settings);
     s.serial.reset(t.serial);
     s.boxes.reset(t.boxes);
