@@ -31,7 +31,7 @@ int QtMessageBoxes::show(const std::string& text, int style, const std::string& 
     box.setWindowTitle(qs(title));
     // The console's texts break their lines with CR, LF or both; Qt breaks
     // a plain text at LF only.
-    QString shown = qs(text);
+    QString shown = qs_message(text);
     shown.replace("\r\n", "\n");
     shown.replace('\r', '\n');
     box.setText(shown);

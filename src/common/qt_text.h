@@ -23,6 +23,12 @@ inline QString qs_file(std::string_view s) {
 }
 inline std::string ss_file(const QString& s) { return ss(QFile::encodeName(s)); }
 
+// A message shown to the operator: the console's texts with, often, a file
+// name in the file system's bytes. Read as such when the bytes are valid
+// there; a text that is not (a one-byte character from a file) is read one
+// byte a character, as qs does. For ASCII the two are the same.
+QString qs_message(std::string_view s);
+
 // A caption with an access key ("&Test Port") as rich text that underlines
 // the key, for a label that names another control's key without taking it.
 QString underlined_access_key(const QString& caption);

@@ -262,12 +262,14 @@ private slots:
         QTest::addColumn<QString>("buttons");
         QTest::addColumn<int>("answer");
         QTest::addColumn<QString>("text");
-        QTest::newRow("16 critical") << 16 << int(QMessageBox::Critical) << "OK" << int(answer_ok)
-                                     << "Line one\r\rLine two";
-        QTest::newRow("48 exclamation") << 48 << int(QMessageBox::Warning) << "OK" << int(answer_ok)
-                                        << "Line one\r\n\r\nLine two";
+        QTest::addColumn<QByteArray>("tail");  // bytes after the text: a file name's, or a one-byte character's
+        QTest::addColumn<QString>("tail_shown");
+        QTest::newRow("16 critical, a UTF-8 file name") << 16 << int(QMessageBox::Critical) << "OK" << int(answer_ok)
+                                     << "Line one\r\rLine two" << QByteArray("Pr\xC3\xBC" "fung.log") << "Prüfung.log";
+        QTest::newRow("48 exclamation, a one-byte character") << 48 << int(QMessageBox::Warning) << "OK"
+                                        << int(answer_ok) << "Line one\r\n\r\nLine two" << QByteArray(" 5 \xB5l") << " 5 µl";
         QTest::newRow("292 question, No default") << 292 << int(QMessageBox::Question) << "No Yes" << int(answer_no)
-                                                  << "Line one\n\nLine two";
+                                                  << "Line one\n\nLine two" << QByteArray() << "";
     }
     void message_box_styles() {
         QFETCH(int, style);
@@ -275,6 +277,8 @@ private slots:
         QFETCH(QString, buttons);
         QFETCH(int, answer);
         QFETCH(QString, text);
+        QFETCH(QByteArray, tail);
+        QFETCH(QString, tail_shown);
         QString seen;
         when_shown<QMessageBox>([&](QMessageBox* box) {
             QStringList others;
@@ -284,8 +288,8 @@ private slots:
             seen = QString("%1|%2|%3|%4").arg(box->icon()).arg(others.join(' '), box->windowTitle(), box->text());
             box->defaultButton()->click();
         });
-        QCOMPARE(QtMessageBoxes().show(text.toStdString(), style, "TITLE"), answer);
-        QCOMPARE(seen, QString("%1|%2|TITLE|Line one\n\nLine two").arg(icon).arg(buttons));
+        QCOMPARE(QtMessageBoxes().show(text.toStdString() + tail.toStdString(), style, "TITLE"), answer);
+        QCOMPARE(seen, QString("%1|%2|TITLE|Line one\n\nLine two").arg(icon).arg(buttons) + tail_shown);
     }
 
     // A name typed without an extension takes the chosen filter's; giving up returns nothing.
