@@ -62,10 +62,21 @@ QSettings& IniSettingsStore::file(std::string_view app) {
     auto& slot = files_[name];
     if (!slot) {
         QDir().mkpath(folder_);
-        keep_damaged(name);
-        slot = std::make_unique<QSettings>(name, QSettings::IniFormat);
+        const bool too_large = QFileInfo(name).size() > max_settings_file_bytes;
+        if (!too_large) slot = std::make_unique<QSettings>(name, QSettings::IniFormat);
+        if (too_large || unreadable(*slot)) {
+            slot.reset();
+            keep_damaged(name);
+            slot = std::make_unique<QSettings>(name, QSettings::IniFormat);
+        }
     }
     return *slot;
+}
+
+// QSettings makes out a section only when it is asked for a key.
+bool IniSettingsStore::unreadable(const QSettings& settings) {
+    settings.allKeys();
+    return settings.status() == QSettings::FormatError;
 }
 
 // QSettings reads a file whole, and on its next write drops, without a word,
@@ -74,17 +85,8 @@ QSettings& IniSettingsStore::file(std::string_view app) {
 // for good or written over it. A file that cannot be opened at all stays:
 // QSettings writes nothing over it, and flush tells.
 void IniSettingsStore::keep_damaged(const QString& name) {
-    const QFileInfo info(name);
-    if (!info.isFile()) return;
-    bool damaged = info.size() > max_settings_file_bytes;
-    if (!damaged) {
-        // QSettings makes out a section only when it is asked for a key.
-        const QSettings probe(name, QSettings::IniFormat);
-        probe.allKeys();
-        damaged = probe.status() == QSettings::FormatError;
-    }
     const QString kept = name + ".damaged";
-    if (!damaged || (QFile::exists(kept) && !QFile::remove(kept)) || !QFile::rename(name, kept)) return;
+    if ((QFile::exists(kept) && !QFile::remove(kept)) || !QFile::rename(name, kept)) return;
     notice_ = "The settings file " + ss(QDir::toNativeSeparators(name)) + " could not be read; it was kept as " +
               ss(QDir::toNativeSeparators(kept)) + ", and the console starts from its defaults.";
 }

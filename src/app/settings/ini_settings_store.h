@@ -36,6 +36,7 @@ public:
 
 private:
     QSettings& file(std::string_view app);
+    static bool unreadable(const QSettings& settings);
     void keep_damaged(const QString& name);
     QString folder_;
     std::string notice_;
