@@ -163,7 +163,9 @@ HelpPage load_help_page(const std::vector<std::string>& folders, HelpContext con
         std::error_code ec;
         if (!std::filesystem::is_regular_file(path, ec)) continue;
         const std::uintmax_t size = std::filesystem::file_size(path, ec);
-        if (ec || size > max_help_file_bytes) {
+        // Asked first for its own message; a size that cannot be had is
+        // left to the read, which then tells the file cannot be read.
+        if (!ec && size > max_help_file_bytes) {
             p.text = "The help file " + path + " is too large to be a help text.";
             return p;
         }
